@@ -1,0 +1,91 @@
+// Self-tests and error counters. What the test options do is the platform's; only their numbers are checked.
+#include "commands/diagnostics.h"
+
+#include <array>
+#include <cstdio>
+
+#include "commands/platform_walk.h"
+#include "commands/port_lists.h"
+#include "shell/argument_parsers.h"
+#include "topology/serdes_topology.h"
+
+namespace {
+
+constexpr std::uint32_t kResetAllTests = 100;
+constexpr std::uint32_t kHoldCurrentDfe = 101;
+
+// What resetting the tests addresses, whatever ports there are.
+constexpr std::uint32_t kResetPortCount = 20;
+constexpr auto kResetOption = static_cast<SerDesTestOption>(2);
+constexpr int kAllLinks = -1;
+
+// The options that can be run and those that can be asked for differ on purpose.
+bool isRunOption(std::uint32_t option) {
+  return option <= 9 && option != 5;
+}
+
+bool isStatusOption(std::uint32_t option) {
+  return option <= 4 || option == 9;
+}
+
+int resetAllTests() {
+  for (std::uint32_t port = 0; port < kResetPortCount; ++port) {
+    const int result = AsicControl::SetSerDesTestOption(serdesTopology.asicNum, port, kAllLinks, kResetOption, 0);
+    if (result < 0) return result;
+  }
+  return 0;
+}
+
+// Loads what a link's DFE has adapted to as its fixed state.
+int holdCurrentDfe(std::uint32_t port, int link) {
+  SerDesRxDFEState state{};
+  SerDesRxDFEStats stats{};
+  int result = AsicControl::GetSerDesRxDFE(serdesTopology.asicNum, port, link, &state.mode);
+  if (result < 0) return result;
+  result = AsicControl::GetSerDesRxDFEStats(serdesTopology.asicNum, port, link, &stats);
+  if (result < 0) return result;
+  state.leadingWord = stats.leadingWord;
+  state.h = stats.h;
+  return AsicControl::SetSerDesRxDFEState(serdesTopology.asicNum, port, link, &state);
+}
+
+}  // namespace
+
+CmdStatus runTestCmdHandler(int, char* words[]) {
+  std::array<std::uint32_t, 4> numbers;
+  if (const CmdStatus status = parseNumbers(words + 1, numbers); status != CMD_OK) return status;
+  const auto [port, link, option, mode] = numbers;
+  int result = 0;
+  if (isRunOption(option)) {
+    result = AsicControl::SetSerDesTestOption(serdesTopology.asicNum, port, static_cast<int>(link),
+                                              static_cast<SerDesTestOption>(option), static_cast<int>(mode));
+  } else if (option == kResetAllTests) {
+    result = resetAllTests();
+  } else if (option == kHoldCurrentDfe) {
+    result = holdCurrentDfe(port, static_cast<int>(link));
+  } else {
+    return CMD_BAD_PARAM;
+  }
+  return result < 0 ? platformFailure(result, __func__) : CMD_OK;
+}
+
+CmdStatus getTestCmdHandler(int, char* words[]) {
+  std::array<std::uint32_t, 3> numbers;
+  if (const CmdStatus status = parseNumbers(words + 1, numbers); status != CMD_OK) return status;
+  const auto [port, link, option] = numbers;
+  if (!isStatusOption(option)) return CMD_BAD_PARAM;
+  int testStatus = 0;
+  const int result = AsicControl::GetSerDesTestStatus(serdesTopology.asicNum, port, static_cast<int>(link),
+                                                      static_cast<SerDesTestOption>(option), &testStatus);
+  if (result < 0) return platformFailure(result, __func__);
+  std::printf("status: %d\n", testStatus);
+  return CMD_OK;
+}
+
+CmdStatus clearErrorsCmdHandler(int wordCount, char* words[]) {
+  std::uint32_t portMask = 0;
+  if (const CmdStatus status = parsePorts(wordCount, words, 1, portMask); status != CMD_OK) return status;
+
+  return onEachPort(portMask, __func__,
+                    [&](std::uint32_t port) { return PortControl::ClrFrameStatCntrs(portId(port)); });
+}

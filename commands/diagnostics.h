@@ -1,0 +1,8 @@
+// SerDes self-tests, and clearing of error counters.
+#pragma once
+
+#include "shell/cmd_status.h"
+
+CmdStatus runTestCmdHandler(int wordCount, char* words[]);
+CmdStatus getTestCmdHandler(int wordCount, char* words[]);
+CmdStatus clearErrorsCmdHandler(int wordCount, char* words[]);

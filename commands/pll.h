@@ -1,0 +1,8 @@
+// Common PLL registers of SerDes cores.
+#pragma once
+
+#include "shell/cmd_status.h"
+
+CmdStatus showPLLRegistersCmdHandler(int wordCount, char* words[]);
+CmdStatus writePLLRegisterCmdHandler(int wordCount, char* words[]);
+CmdStatus readPLLRegisterCmdHandler(int wordCount, char* words[]);

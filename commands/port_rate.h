@@ -1,0 +1,8 @@
+// Port speed and transmit stream.
+#pragma once
+
+#include "shell/cmd_status.h"
+
+CmdStatus setRateCmdHandler(int wordCount, char* words[]);
+CmdStatus setTxEnableCmdHandler(int wordCount, char* words[]);
+CmdStatus showRateCmdHandler(int wordCount, char* words[]);
