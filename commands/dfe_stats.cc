@@ -108,7 +108,9 @@ void printCompactCount(std::uint64_t value) {
   }
   // The exponent is cut before the mantissa is rounded: just below a power of ten the mantissa is 10, and stays so.
   const auto number = static_cast<double>(value);
-  const auto exponent = static_cast<unsigned>(std::log10(number));
+  // Storing the logarithm rounds it to double also where the processor computes with more bits.
+  const volatile double logarithm = std::log10(number);
+  const auto exponent = static_cast<unsigned>(logarithm);
   const auto mantissa = static_cast<unsigned>(number / std::pow(10.0, exponent) + 0.5);
   std::printf("%1de%02d ", static_cast<int>(mantissa), static_cast<int>(exponent));
 }

@@ -71,6 +71,23 @@ std::uint32_t tableRowCount(SerDesType type, SerDesLinkType side) {
   return 0;
 }
 
+// "%04x " for every link's register, put together by hand: a dump has thousands of these cells.
+void printRegisterCells(SerDesLinkType side, std::uint32_t ports, const PerLink<RegisterRow>& image,
+                        std::uint32_t address) {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::array<char, kMaxPorts * kMaxLinks * 5> cells;
+  std::size_t length = 0;
+  forEachLink(ports, side, [&](std::uint32_t port, std::uint32_t link) {
+    const unsigned value = image[port][link][address];
+    cells[length++] = kDigits[value >> 12 & 0xF];
+    cells[length++] = kDigits[value >> 8 & 0xF];
+    cells[length++] = kDigits[value >> 4 & 0xF];
+    cells[length++] = kDigits[value & 0xF];
+    cells[length++] = ' ';
+  });
+  (void)std::fwrite(cells.data(), 1, length, stdout);
+}
+
 void printTable(SerDesType type, SerDesLinkType side, std::uint32_t portMask, const PerLink<RegisterRow>& image) {
   const std::uint32_t columnPorts = portsOfType(type, side, portMask);
   const std::uint32_t rowCount = tableRowCount(type, side);
@@ -78,8 +95,7 @@ void printTable(SerDesType type, SerDesLinkType side, std::uint32_t portMask, co
   for (std::uint32_t address = 0; address < rowCount; ++address) {
     if (address != 0 && address % 4 == 0) printLinkSeparatorRow(type, side, portMask);
     std::printf("%s Register 0x%02x    ", sideName(side), address);
-    forEachLink(columnPorts, side,
-                [&](std::uint32_t port, std::uint32_t link) { std::printf("%04x ", image[port][link][address]); });
+    printRegisterCells(side, columnPorts, image, address);
     std::printf("\n");
   }
   std::printf("\n");

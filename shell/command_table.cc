@@ -603,10 +603,11 @@ constexpr bool sameWord(std::string_view a, std::string_view b) {
   return true;
 }
 
+// That every row has a handler is left to the tests: with sanitizers a function's address is no constant.
 constexpr bool rowIsComplete(const CmdTableEntry& row) {
   return row.name != nullptr && row.shortcut != nullptr && row.argHelp != nullptr && row.description != nullptr &&
-         row.example != nullptr && row.exampleNote != nullptr && row.handler != nullptr && 1 <= row.minArgs &&
-         row.minArgs <= row.maxArgs && row.maxArgs <= kMaxWords && row.isSetCmd <= 1;
+         row.example != nullptr && row.exampleNote != nullptr && 1 <= row.minArgs && row.minArgs <= row.maxArgs &&
+         row.maxArgs <= kMaxWords && row.isSetCmd <= 1;
 }
 
 constexpr bool rowsShareAWord(const CmdTableEntry& a, const CmdTableEntry& b) {
@@ -622,7 +623,7 @@ constexpr bool tableIsSound() {
     }
   }
   const CmdTableEntry& end = kTable[kCommandCount];
-  return end.name == nullptr && end.handler == nullptr && end.isSetCmd == 0;
+  return end.name == nullptr && end.isSetCmd == 0;
 }
 static_assert(tableIsSound(), "rows complete, bounds in order, command words unique");
 

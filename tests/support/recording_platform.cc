@@ -18,7 +18,7 @@ void Platform::failCall(unsigned ordinal, int code, bool forever) {
 
 int Platform::record(const std::string& operation, const std::string& arguments) {
   calls.push_back(operation + "(" + arguments + ")");
-  int result = 0;
+  int result = failing ? failing() : 0;
   for (Fault& fault : faults) {
     if (!fault.operation.empty() && fault.operation != operation) continue;
     if (fault.remaining > 0) --fault.remaining;
@@ -85,6 +85,13 @@ std::string with(port_id_t id, const std::string& rest) {
   return named(id) + ", " + rest;
 }
 
+// Gives a call's result, after its values have been corrupted if they are to be.
+template <typename... Values>
+int answered(int result, Values*... values) {
+  if (result >= 0 && platform.corrupt) (platform.corrupt(std::as_writable_bytes(std::span(values, 1))), ...);
+  return result;
+}
+
 // The port that an identifier names, or any other one for an identifier that names none.
 Port& portOf(port_id_t id) {
   return platform.ports[id.asicPort % kPorts];
@@ -110,6 +117,7 @@ void store(WordPairCounter& counter, std::uint64_t value) {
 }  // namespace
 }  // namespace recording
 
+using recording::answered;
 using recording::listed;
 using recording::named;
 using recording::platform;
@@ -129,7 +137,7 @@ int AsicControl::AsicCtlClose() {
 int AsicControl::GetSwitchConfig(Switch_HW_Config_t* config) {
   const int result = platform.record("GetSwitchConfig", "");
   if (result >= 0) *config = platform.switchConfig;
-  return result;
+  return answered(result, config);
 }
 
 int AsicControl::GetSerDesInfo(unsigned int asic, unsigned int* portCount, unsigned int* coreCount) {
@@ -137,7 +145,7 @@ int AsicControl::GetSerDesInfo(unsigned int asic, unsigned int* portCount, unsig
   if (result < 0) return result;
   *portCount = platform.portCount;
   *coreCount = platform.coreCount;
-  return result;
+  return answered(result, portCount, coreCount);
 }
 
 int AsicControl::GetSerDesInfo(unsigned int asic, unsigned int core, unsigned short* firstPort, SerDesType* type,
@@ -153,7 +161,8 @@ int AsicControl::GetSerDesInfo(unsigned int asic, unsigned int core, unsigned sh
   *txRegisterCount = answer.txRegisters;
   *rxParamCount = answer.rxParams;
   *txParamCount = answer.txParams;
-  return result;
+  return answered(result, firstPort, type, pllRegisterCount, rxRegisterCount, txRegisterCount, rxParamCount,
+                  txParamCount);
 }
 
 int AsicControl::GetSerDesInfo(unsigned int asic, unsigned int port, SerDesLinkType side, unsigned int* linkCount,
@@ -164,7 +173,7 @@ int AsicControl::GetSerDesInfo(unsigned int asic, unsigned int port, SerDesLinkT
   *linkCount = answer.linkCount;
   *type = static_cast<SerDesType>(answer.type);
   *coreId = answer.core;
-  return result;
+  return answered(result, linkCount, type, coreId);
 }
 
 const char* AsicControl::ToString(SerDesType type) {
@@ -179,6 +188,7 @@ int AsicControl::ReadSerDesLinkRegister(unsigned int asic, unsigned int port, in
   if (result < 0) return result;
   for (unsigned i = 0; i < count; ++i)
     values[i] = platform.linkRegister(port, link, side, address + i);
+  if (platform.corrupt) platform.corrupt(std::as_writable_bytes(std::span(values, count)));
   return result;
 }
 
@@ -193,6 +203,7 @@ int AsicControl::ReadSerDesPLLRegister(unsigned int asic, unsigned int core, uns
   if (result < 0) return result;
   for (unsigned i = 0; i < count; ++i)
     values[i] = platform.pllRegister(core, address + i);
+  if (platform.corrupt) platform.corrupt(std::as_writable_bytes(std::span(values, count)));
   return result;
 }
 
@@ -217,7 +228,7 @@ int AsicControl::GetSerDesTxFFE(unsigned int asic, unsigned int port, int link, 
   *c1 = answer.c[1];
   *c2 = answer.c[2];
   *c3 = answer.c[3];
-  return result;
+  return answered(result, mode, k, c0, c1, c2, c3);
 }
 
 int AsicControl::SetSerDesTxSlew(unsigned int asic, unsigned int port, int link, bool enable, SerDesTxSlewRate slew) {
@@ -229,7 +240,7 @@ int AsicControl::GetSerDesTxSlew(unsigned int asic, unsigned int port, int link,
   if (result < 0) return result;
   *enable = true;
   *slew = static_cast<SerDesTxSlewRate>(txLinkOf(port, link).slew);
-  return result;
+  return answered(result, enable, slew);
 }
 
 int AsicControl::SetSerDesTxRateParams(unsigned int asic, unsigned int port, port_speed_type rate,
@@ -242,7 +253,7 @@ int AsicControl::GetSerDesTxRateParams(unsigned int asic, unsigned int port, por
                                        SerDesTxRateParams* params) {
   const int result = platform.record("GetSerDesTxRateParams", listed(asic, port, rate));
   if (result >= 0) *params = portOf(port).txCache;
-  return result;
+  return answered(result, params);
 }
 
 int AsicControl::SetSerDesRxDFE(unsigned int asic, unsigned int port, int link, SerDesRxDFEMode mode) {
@@ -252,7 +263,7 @@ int AsicControl::SetSerDesRxDFE(unsigned int asic, unsigned int port, int link, 
 int AsicControl::GetSerDesRxDFE(unsigned int asic, unsigned int port, int link, SerDesRxDFEMode* mode) {
   const int result = platform.record("GetSerDesRxDFE", listed(asic, port, link));
   if (result >= 0) *mode = static_cast<SerDesRxDFEMode>(rxLinkOf(port, link).mode);
-  return result;
+  return answered(result, mode);
 }
 
 int AsicControl::SetSerDesRxVGA(unsigned int asic, unsigned int port, int link, signed char pole, signed char peak,
@@ -268,7 +279,7 @@ int AsicControl::GetSerDesRxVGA(unsigned int asic, unsigned int port, int link, 
   *pole = answer.pole;
   *peak = answer.peak;
   *amax = answer.amax;
-  return result;
+  return answered(result, pole, peak, amax);
 }
 
 int AsicControl::SetSerDesRxDFEState(unsigned int asic, unsigned int port, int link, SerDesRxDFEState* state) {
@@ -281,7 +292,7 @@ int AsicControl::SetSerDesRxDFEState(unsigned int asic, unsigned int port, int l
 int AsicControl::GetSerDesRxDFEStats(unsigned int asic, unsigned int port, int link, SerDesRxDFEStats* stats) {
   const int result = platform.record("GetSerDesRxDFEStats", listed(asic, port, link));
   if (result >= 0) *stats = rxLinkOf(port, link).stats;
-  return result;
+  return answered(result, stats);
 }
 
 int AsicControl::SetSerDesRxRateParams(unsigned int asic, unsigned int port, port_speed_type rate,
@@ -293,7 +304,7 @@ int AsicControl::GetSerDesRxRateParams(unsigned int asic, unsigned int port, por
                                        SerDesRxRateParams* params) {
   const int result = platform.record("GetSerDesRxRateParams", listed(asic, port, rate));
   if (result >= 0) *params = portOf(port).rxCache;
-  return result;
+  return answered(result, params);
 }
 
 int AsicControl::SetSerDesTestOption(unsigned int asic, unsigned int port, int link, SerDesTestOption option,
@@ -306,7 +317,7 @@ int AsicControl::GetSerDesTestStatus(unsigned int asic, unsigned int port, int l
   const int result =
       platform.record("GetSerDesTestStatus", listed(asic, port, link, static_cast<std::uint32_t>(option)));
   if (result >= 0) *status = platform.testStatus;
-  return result;
+  return answered(result, status);
 }
 
 int PortControl::PortCtlOpen() {
@@ -320,13 +331,13 @@ int PortControl::PortCtlClose() {
 int PortControl::GetPortHwConfig(port_id_t port, Port_HW_Config_t* config) {
   const int result = platform.record("GetPortHwConfig", named(port));
   if (result >= 0) *config = portOf(port).hwConfig;
-  return result;
+  return answered(result, config);
 }
 
 int PortControl::GetPortInfo(port_id_t port, port_info_t selector, unsigned long* value) {
   const int result = platform.record("GetPortInfo", with(port, listed(selector)));
   if (result >= 0) *value = portOf(port).state;
-  return result;
+  return answered(result, value);
 }
 
 int PortControl::SetPortCfgSpeed(port_id_t port, unsigned int speed) {
@@ -336,19 +347,19 @@ int PortControl::SetPortCfgSpeed(port_id_t port, unsigned int speed) {
 int PortControl::GetPortCfgSpeed(port_id_t port, unsigned int* speed) {
   const int result = platform.record("GetPortCfgSpeed", named(port));
   if (result >= 0) *speed = portOf(port).configuredSpeed;
-  return result;
+  return answered(result, speed);
 }
 
 int PortControl::GetPortSpeed(port_id_t port, unsigned int* speed) {
   const int result = platform.record("GetPortSpeed", named(port));
   if (result >= 0) *speed = portOf(port).runningSpeed;
-  return result;
+  return answered(result, speed);
 }
 
 int PortControl::GetMediaHwFcXmtrType(port_id_t port, MediaHwFcXmtrType* type) {
   const int result = platform.record("GetMediaHwFcXmtrType", named(port));
   if (result >= 0) *type = static_cast<MediaHwFcXmtrType>(portOf(port).media);
-  return result;
+  return answered(result, type);
 }
 
 int PortControl::TxStreamEnable(port_id_t port, bool enable) {
@@ -358,16 +369,20 @@ int PortControl::TxStreamEnable(port_id_t port, bool enable) {
 int PortControl::TxStreamState(port_id_t port, bool* enabled) {
   const int result = platform.record("TxStreamState", named(port));
   if (result >= 0) std::memcpy(enabled, &portOf(port).streamState, 1);
-  return result;
+  return answered(result, enabled);
 }
 
 int PortControl::GetFrameStatCntrs(port_id_t port, drv_counters_t* counters) {
   const int result = platform.record("GetFrameStatCntrs", named(port));
   if (result < 0) return result;
+  if (platform.frameStatistics) {
+    *counters = platform.frameStatistics(port);
+    return result;
+  }
   *counters = {};
   recording::store(counters->decodeErrors, portOf(port).decodeErrors);
   recording::store(counters->crcErrors, portOf(port).crcErrors);
-  return result;
+  return answered(result, counters);
 }
 
 int PortControl::ClrFrameStatCntrs(port_id_t port) {

@@ -3,9 +3,11 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -76,6 +78,14 @@ struct Platform {
   // The value of a link register and of a PLL register.
   std::function<unsigned short(unsigned port, int link, SerDesLinkType side, unsigned address)> linkRegister;
   std::function<unsigned short(unsigned core, unsigned address)> pllRegister;
+  // When set, gives the whole record of a port's frame statistics instead of the port's two counts.
+  std::function<drv_counters_t(port_id_t port)> frameStatistics;
+
+  // Set: overwrites every value that an operation hands back, its record's reserved room included.
+  std::function<void(std::span<std::byte> value)> corrupt;
+
+  // Set: asked at every call for its result, before the faults below.
+  std::function<int()> failing;
 
   std::vector<std::string> calls;
   // What the sets handed over last, for what a call's text does not show.

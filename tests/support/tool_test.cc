@@ -45,6 +45,11 @@ Outcome run(const std::string& line) {
   return outcome;
 }
 
+void PrintTo(const Outcome& outcome, std::ostream* stream) {
+  *stream << "status " << static_cast<int>(outcome.status) << ", output " << testing::PrintToString(outcome.out)
+          << ", calls " << testing::PrintToString(outcome.calls);
+}
+
 std::string runStream(const std::string& lines) {
   std::FILE* input = std::tmpfile();
   std::fwrite(lines.data(), 1, lines.size(), input);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -19,7 +20,12 @@ struct Outcome {
   CmdStatus status = CMD_OK;
   std::string out;  // everything printed on standard output
   Calls calls;      // every platform call made
+
+  bool operator==(const Outcome&) const = default;
 };
+
+// Shows an outcome in a failure message.
+void PrintTo(const Outcome& outcome, std::ostream* stream);
 
 // Gives what `action` printed on standard output.
 std::string printedBy(const std::function<void()>& action);

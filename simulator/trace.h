@@ -1,0 +1,30 @@
+// One line for each platform call, appended to the file that SERDES_SIMULATOR_TRACE names.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+namespace simulator {
+
+class Trace {
+ public:
+  // Writes to `fileName` from now on, or nowhere when it is empty. False, and nowhere, when it cannot be opened.
+  bool open(const std::string& fileName);
+  bool isOn() const {
+    return file_ != nullptr;
+  }
+  // Writes a line at once: a run that crashes must not lose what led there.
+  void line(const std::string& text);
+
+ private:
+  struct Closer {
+    void operator()(std::FILE* file) const {
+      (void)std::fclose(file);
+    }
+  };
+  std::unique_ptr<std::FILE, Closer> file_;
+  std::string fileName_;
+};
+
+}  // namespace simulator
