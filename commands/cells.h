@@ -1,7 +1,6 @@
 // The cells of a table row, one per link of the selected ports. Labels and formats stay with the commands.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <cstdio>
 
@@ -17,11 +16,4 @@ void printCells(std::uint32_t portMask, SerDesLinkType side, ValuesOf valuesOf, 
       std::printf("%4s ", "");
     }
   });
-}
-
-// Prints a field of each port's cache record as a plain number under each of the port's links.
-template <typename Params>
-void printCacheCells(std::uint32_t portMask, SerDesLinkType side, const std::array<Params, kMaxPorts>& records,
-                     std::int32_t Params::*field) {
-  forEachLink(portMask, side, [&](std::uint32_t port, std::uint32_t) { std::printf("%4d ", records[port].*field); });
 }

@@ -76,16 +76,17 @@ void printRegisterCells(SerDesLinkType side, std::uint32_t ports, const PerLink<
                         std::uint32_t address) {
   static constexpr char kDigits[] = "0123456789abcdef";
   std::array<char, kMaxPorts * kMaxLinks * 5> cells;
-  std::size_t length = 0;
+  char* cell = cells.data();
   forEachLink(ports, side, [&](std::uint32_t port, std::uint32_t link) {
     const unsigned value = image[port][link][address];
-    cells[length++] = kDigits[value >> 12 & 0xF];
-    cells[length++] = kDigits[value >> 8 & 0xF];
-    cells[length++] = kDigits[value >> 4 & 0xF];
-    cells[length++] = kDigits[value & 0xF];
-    cells[length++] = ' ';
+    cell[0] = kDigits[value >> 12 & 0xF];
+    cell[1] = kDigits[value >> 8 & 0xF];
+    cell[2] = kDigits[value >> 4 & 0xF];
+    cell[3] = kDigits[value & 0xF];
+    cell[4] = ' ';
+    cell += 5;
   });
-  (void)std::fwrite(cells.data(), 1, length, stdout);
+  (void)std::fwrite(cells.data(), 1, static_cast<std::size_t>(cell - cells.data()), stdout);
 }
 
 void printTable(SerDesType type, SerDesLinkType side, std::uint32_t portMask, const PerLink<RegisterRow>& image) {

@@ -6,32 +6,11 @@
 #include <cstdio>
 #include <optional>
 
-#include "commands/cells.h"
-#include "commands/platform_walk.h"
 #include "commands/port_lists.h"
+#include "commands/rate_cache.h"
 #include "commands/rx_eq.h"
-#include "display/table_header.h"
 #include "shell/argument_parsers.h"
 #include "topology/serdes_topology.h"
-
-namespace {
-
-using PortRecords = std::array<SerDesRxRateParams, kMaxPorts>;
-
-CmdStatus writeCaches(std::uint32_t portMask, port_speed_type rate, const SerDesRxRateParams& params,
-                      const char* handler) {
-  return onEachPort(portMask, handler, [&](std::uint32_t port) {
-    return AsicControl::SetSerDesRxRateParams(serdesTopology.asicNum, port, rate, params);
-  });
-}
-
-CmdStatus readCaches(std::uint32_t portMask, port_speed_type rate, PortRecords& records, const char* handler) {
-  return onEachPort(portMask, handler, [&](std::uint32_t port) {
-    return AsicControl::GetSerDesRxRateParams(serdesTopology.asicNum, port, rate, &records[port]);
-  });
-}
-
-}  // namespace
 
 CmdStatus showRxParamsCacheCmdHandler(int wordCount, char* words[]) {
   port_speed_type rate{};
@@ -40,7 +19,7 @@ CmdStatus showRxParamsCacheCmdHandler(int wordCount, char* words[]) {
   if (const CmdStatus status = parsePorts(wordCount, words, 2, portMask); status != CMD_OK) return status;
   if (const CmdStatus status = requireFibreChannel(portMask); status != CMD_OK) return status;
 
-  PortRecords records{};
+  PortRecords<SerDesRxRateParams> records{};
   if (const CmdStatus status = readCaches(portMask, rate, records, __func__); status != CMD_OK) return status;
 
   std::array<char, kTitleSize> title;
@@ -81,7 +60,7 @@ CmdStatus showRxParamsRawCmdHandler(int wordCount, char* words[]) {
   if (const CmdStatus status = parseRate(words[2], rate); status != CMD_OK) return status;
   if (const CmdStatus status = parsePorts(wordCount, words, 3, portMask); status != CMD_OK) return status;
 
-  PortRecords records{};
+  PortRecords<SerDesRxRateParams> records{};
   if (interface == INTERFACE_ASIC) {
     if (const CmdStatus status = readCaches(portMask, rate, records, __func__); status != CMD_OK) return status;
   }
@@ -131,7 +110,7 @@ CmdStatus eshowRxParamsCacheCmdHandler(int wordCount, char* words[]) {
   if (const CmdStatus status = parsePorts(wordCount, words, 2, portMask); status != CMD_OK) return status;
   if (const CmdStatus status = requireEthernet(portMask); status != CMD_OK) return status;
 
-  PortRecords records{};
+  PortRecords<SerDesRxRateParams> records{};
   if (const CmdStatus status = readCaches(portMask, rate, records, __func__); status != CMD_OK) return status;
 
   std::array<char, kTitleSize> title;

@@ -52,10 +52,9 @@ int getVGA(std::uint32_t port, std::uint32_t link, RxLinkValues& values) {
                                      &values.amax);
 }
 
-// The port as a signed number, as the platform's limits are compared; nothing may be indexed with a negative one.
+// The port count is compared as a signed number; nothing may be indexed with a port beyond the model.
 bool hasReceiveSide(std::uint32_t port) {
-  const auto signedPort = static_cast<std::int32_t>(port);
-  return signedPort >= 0 && signedPort < static_cast<std::int32_t>(serdesTopology.portCount) && port < kMaxPorts;
+  return port < kMaxPorts && static_cast<std::int32_t>(port) < static_cast<std::int32_t>(serdesTopology.portCount);
 }
 
 bool takesDfeState(std::uint32_t port) {

@@ -6,32 +6,11 @@
 #include <cstdio>
 #include <optional>
 
-#include "commands/cells.h"
-#include "commands/platform_walk.h"
 #include "commands/port_lists.h"
+#include "commands/rate_cache.h"
 #include "commands/tx_eq.h"
-#include "display/table_header.h"
 #include "shell/argument_parsers.h"
 #include "topology/serdes_topology.h"
-
-namespace {
-
-using PortRecords = std::array<SerDesTxRateParams, kMaxPorts>;
-
-CmdStatus writeCaches(std::uint32_t portMask, port_speed_type rate, const SerDesTxRateParams& params,
-                      const char* handler) {
-  return onEachPort(portMask, handler, [&](std::uint32_t port) {
-    return AsicControl::SetSerDesTxRateParams(serdesTopology.asicNum, port, rate, params);
-  });
-}
-
-CmdStatus readCaches(std::uint32_t portMask, port_speed_type rate, PortRecords& records, const char* handler) {
-  return onEachPort(portMask, handler, [&](std::uint32_t port) {
-    return AsicControl::GetSerDesTxRateParams(serdesTopology.asicNum, port, rate, &records[port]);
-  });
-}
-
-}  // namespace
 
 CmdStatus showTxParamsCacheCmdHandler(int wordCount, char* words[]) {
   port_speed_type rate{};
@@ -40,7 +19,7 @@ CmdStatus showTxParamsCacheCmdHandler(int wordCount, char* words[]) {
   if (const CmdStatus status = parsePorts(wordCount, words, 2, portMask); status != CMD_OK) return status;
   if (const CmdStatus status = requireFibreChannel(portMask); status != CMD_OK) return status;
 
-  PortRecords records{};
+  PortRecords<SerDesTxRateParams> records{};
   if (const CmdStatus status = readCaches(portMask, rate, records, __func__); status != CMD_OK) return status;
 
   std::array<char, kTitleSize> title;
@@ -82,7 +61,7 @@ CmdStatus showTxParamsRawCmdHandler(int wordCount, char* words[]) {
   if (const CmdStatus status = parseRate(words[2], rate); status != CMD_OK) return status;
   if (const CmdStatus status = parsePorts(wordCount, words, 3, portMask); status != CMD_OK) return status;
 
-  PortRecords records{};
+  PortRecords<SerDesTxRateParams> records{};
   if (interface == INTERFACE_ASIC) {
     if (const CmdStatus status = readCaches(portMask, rate, records, __func__); status != CMD_OK) return status;
   }
@@ -139,7 +118,7 @@ CmdStatus eshowTxParamsCacheCmdHandler(int wordCount, char* words[]) {
   if (const CmdStatus status = parsePorts(wordCount, words, 2, portMask); status != CMD_OK) return status;
   if (const CmdStatus status = requireEthernet(portMask); status != CMD_OK) return status;
 
-  PortRecords records{};
+  PortRecords<SerDesTxRateParams> records{};
   if (const CmdStatus status = readCaches(portMask, rate, records, __func__); status != CMD_OK) return status;
 
   std::array<char, kTitleSize> title;
