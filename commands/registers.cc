@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstring>
 
 #include "commands/platform_walk.h"
 #include "commands/port_lists.h"
@@ -14,6 +15,15 @@
 namespace {
 
 using RegisterRow = std::array<unsigned short, kMaxRegisters>;
+
+// The two hexadecimal digits of every byte.
+constexpr auto kHexBytes = [] {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::array<std::array<char, 2>, 256> bytes{};
+  for (std::size_t i = 0; i < bytes.size(); ++i)
+    bytes[i] = {kDigits[i / 16], kDigits[i % 16]};
+  return bytes;
+}();
 
 const char* sideName(SerDesLinkType side) {
   return side == SERDES_LINK_RX ? "Rx" : "Tx";
@@ -74,15 +84,12 @@ std::uint32_t tableRowCount(SerDesType type, SerDesLinkType side) {
 // "%04x " for every link's register, put together by hand: a dump has thousands of these cells.
 void printRegisterCells(SerDesLinkType side, std::uint32_t ports, const PerLink<RegisterRow>& image,
                         std::uint32_t address) {
-  static constexpr char kDigits[] = "0123456789abcdef";
   std::array<char, kMaxPorts * kMaxLinks * 5> cells;
   char* cell = cells.data();
   forEachLink(ports, side, [&](std::uint32_t port, std::uint32_t link) {
     const unsigned value = image[port][link][address];
-    cell[0] = kDigits[value >> 12 & 0xF];
-    cell[1] = kDigits[value >> 8 & 0xF];
-    cell[2] = kDigits[value >> 4 & 0xF];
-    cell[3] = kDigits[value & 0xF];
+    std::memcpy(cell, kHexBytes[value >> 8].data(), 2);
+    std::memcpy(cell + 2, kHexBytes[value & 0xFF].data(), 2);
     cell[4] = ' ';
     cell += 5;
   });

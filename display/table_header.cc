@@ -2,6 +2,8 @@
 #include "display/table_header.h"
 
 #include <cstdio>
+#include <cstring>
+#include <string_view>
 
 #include "display/name_tables.h"
 
@@ -34,32 +36,69 @@ void gatherPortStatus(std::uint32_t portMask, PortStatus& status) {
   });
 }
 
+// Every port's link numbers are the first cells of this text.
+constexpr std::string_view kLinkNumbers = "   0    1    2    3 ";
+constexpr std::size_t kLinkNumberLength = 5;
+static_assert(kLinkNumbers.size() == kMaxLinks * kLinkNumberLength);
+
+// Room for any cell of a header.
+using Cell = std::array<char, 8>;
+
+// Prints the same cell for every link, in one go: a stream call costs more than a cell.
+void printEqualCells(std::uint32_t ports, SerDesLinkType side, const char* cell) {
+  std::array<char, kMaxPorts * kMaxLinks * sizeof(Cell)> cells;
+  const std::size_t cellLength = std::strlen(cell);
+  std::size_t length = 0;
+  forEachLink(ports, side, [&](std::uint32_t, std::uint32_t) {
+    std::memcpy(&cells[length], cell, cellLength);
+    length += cellLength;
+  });
+  (void)std::fwrite(cells.data(), 1, length, stdout);
+}
+
+// Prints cells that are alike for all links of a port: format(cell, port) puts them together once per port.
+template <typename Format>
+void printPortCells(std::uint32_t ports, Format format) {
+  forEachBit(ports, walkedPortCount(), [&](std::uint32_t port) {
+    Cell cell;
+    format(cell, port);
+    printEqualCells(std::uint32_t{1} << port, SERDES_LINK_TX, cell.data());
+  });
+}
+
 // Prints the header rows; `columnPorts` are the ports of the mask that have columns.
 void printHeader(const char* title, std::uint32_t columnPorts, const PortStatus& status) {
-  const auto forEachColumn = [&](auto print) { forEachLink(columnPorts, SERDES_LINK_TX, print); };
-
   std::printf("\n%-19s ", title);
   std::printf("\n%-19s ", "===================");
-  forEachColumn([](std::uint32_t, std::uint32_t) { std::printf("%-4s ", "===="); });
+  printEqualCells(columnPorts, SERDES_LINK_TX, "==== ");
   std::printf("\n%-19s ", "ASIC port");
-  forEachColumn([](std::uint32_t port, std::uint32_t) { std::printf("%4d ", static_cast<int>(port)); });
+  printPortCells(columnPorts, [](Cell& cell, std::uint32_t port) {
+    std::snprintf(cell.data(), cell.size(), "%4d ", static_cast<int>(port));
+  });
   std::printf("\n%-19s ", "user port");
-  forEachColumn([](std::uint32_t port, std::uint32_t) {
+  printPortCells(columnPorts, [](Cell& cell, std::uint32_t port) {
     const std::uint16_t user = portId(port).userPort;
     if (user == kNoUserPort) {
-      std::printf("%4s ", "N/A");
+      std::snprintf(cell.data(), cell.size(), "%4s ", "N/A");
     } else {
-      std::printf("%4d ", user);
+      std::snprintf(cell.data(), cell.size(), "%4d ", user);
     }
   });
   std::printf("\n%-19s ", "link num");
-  forEachColumn([](std::uint32_t, std::uint32_t link) { std::printf("%4d ", static_cast<int>(link)); });
+  forEachBit(columnPorts, walkedPortCount(), [](std::uint32_t port) {
+    const std::uint32_t linkCount = walkedLinkCount(portSide(port, SERDES_LINK_TX));
+    (void)std::fwrite(kLinkNumbers.data(), kLinkNumberLength, linkCount, stdout);
+  });
   std::printf("\n%-18s ", "running rate");
-  forEachColumn([&](std::uint32_t port, std::uint32_t) { std::printf("%5s", rateName(status.runningRate[port])); });
+  printPortCells(columnPorts, [&](Cell& cell, std::uint32_t port) {
+    std::snprintf(cell.data(), cell.size(), "%5s", rateName(status.runningRate[port]));
+  });
   std::printf("\n%-18s ", "media type");
-  forEachColumn([&](std::uint32_t port, std::uint32_t) { std::printf("%5s", mediaName(status.mediaType[port])); });
+  printPortCells(columnPorts, [&](Cell& cell, std::uint32_t port) {
+    std::snprintf(cell.data(), cell.size(), "%5s", mediaName(status.mediaType[port]));
+  });
   std::printf("\n%-19s ", "===================");
-  forEachColumn([](std::uint32_t, std::uint32_t) { std::printf("%-4s ", "===="); });
+  printEqualCells(columnPorts, SERDES_LINK_TX, "==== ");
   std::printf("\n");
 }
 
@@ -79,7 +118,6 @@ void printLinkTableHeader(SerDesType type, SerDesLinkType side, std::uint32_t po
 
 void printLinkSeparatorRow(SerDesType type, SerDesLinkType side, std::uint32_t portMask) {
   std::printf("%-19s ", "-------------------");
-  forEachLink(portsOfType(type, side, portMask), side,
-              [](std::uint32_t, std::uint32_t) { std::printf("%-4s ", "----"); });
+  printEqualCells(portsOfType(type, side, portMask), side, "---- ");
   std::printf("\n");
 }

@@ -591,11 +591,11 @@ constexpr std::array<CmdTableEntry, kCommandCount + 1> kTable = {{
     },
 }};
 
-constexpr char lowerCase(char c) {
+consteval char lowerCase(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-constexpr bool sameWord(std::string_view a, std::string_view b) {
+consteval bool sameWord(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
   for (std::size_t i = 0; i < a.size(); ++i) {
     if (lowerCase(a[i]) != lowerCase(b[i])) return false;
@@ -604,18 +604,18 @@ constexpr bool sameWord(std::string_view a, std::string_view b) {
 }
 
 // That every row has a handler is left to the tests: with sanitizers a function's address is no constant.
-constexpr bool rowIsComplete(const CmdTableEntry& row) {
+consteval bool rowIsComplete(const CmdTableEntry& row) {
   return row.name != nullptr && row.shortcut != nullptr && row.argHelp != nullptr && row.description != nullptr &&
          row.example != nullptr && row.exampleNote != nullptr && 1 <= row.minArgs && row.minArgs <= row.maxArgs &&
          row.maxArgs <= kMaxWords && row.isSetCmd <= 1;
 }
 
-constexpr bool rowsShareAWord(const CmdTableEntry& a, const CmdTableEntry& b) {
+consteval bool rowsShareAWord(const CmdTableEntry& a, const CmdTableEntry& b) {
   return sameWord(a.name, b.name) || sameWord(a.name, b.shortcut) || sameWord(a.shortcut, b.name) ||
          sameWord(a.shortcut, b.shortcut);
 }
 
-constexpr bool tableIsSound() {
+consteval bool tableIsSound() {
   for (std::size_t i = 0; i < kCommandCount; ++i) {
     if (!rowIsComplete(kTable[i]) || sameWord(kTable[i].name, kTable[i].shortcut)) return false;
     for (std::size_t j = 0; j < i; ++j) {

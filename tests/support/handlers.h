@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "shell/command_reader.h"
+#include "shell/command_table.h"
 #include "tests/support/expected.h"
 
 namespace recording {
@@ -19,6 +21,15 @@ inline Outcome runHandler(CmdStatus (*handler)(int, char*[]), std::vector<std::s
   outcome.out = printedBy([&] { outcome.status = handler(static_cast<int>(pointers.size()), pointers.data()); });
   outcome.calls = platform.calls;
   return outcome;
+}
+
+// Calls a set command's handler as it is when the port list parser lets types be mixed, as under a show command's row,
+// so that only the handler's own rule is left.
+inline Outcome runUnderAShowCommand(CmdStatus (*handler)(int, char*[]), std::vector<std::string> words) {
+  currentCommandIndex = 0;
+  while (cmdTable[currentCommandIndex].isSetCmd != 0)
+    ++currentCommandIndex;
+  return runHandler(handler, std::move(words));
 }
 
 // Runs the line once per call that it is to make, and fails that call: the calls up to it are made, none follows, and

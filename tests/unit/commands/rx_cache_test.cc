@@ -127,16 +127,7 @@ TEST_F(SetRxParamsCache, FailureOnEachPortLeavesEarlierPortsWritten) {
       "setRxParamsCacheCmdHandler: serdes err");
 }
 
-class SetRxParamsRaw : public TopologyTest {
- protected:
-  // Calls the handler as it is when the port list parser lets types be mixed, so that only its own rule is left.
-  static Outcome runUnderAShowCommand(std::vector<std::string> words) {
-    currentCommandIndex = 0;
-    while (std::string("showRxParamsRaw") != cmdTable[currentCommandIndex].name)
-      ++currentCommandIndex;
-    return runHandler(setRxParamsRawCmdHandler, std::move(words));
-  }
-};
+using SetRxParamsRaw = TopologyTest;
 
 TEST_F(SetRxParamsRaw, WritesFiveNumbersToTheAsicsCache) {
   EXPECT_EQ(run("setRxParamsRaw asic 8G 1 7 0 0x4e 0 gl"),
@@ -177,14 +168,17 @@ TEST_F(SetRxParamsRaw, PortWithoutReceiveLinksIsStillWritten) {
 }
 
 TEST_F(SetRxParamsRaw, HandlerItselfRefusesMixedTypes) {
-  EXPECT_EQ(runUnderAShowCommand({"srxpr", "asic", "8G", "1", "7", "0", "0x4e", "0", "0", "6"}),
+  EXPECT_EQ(
+      runUnderAShowCommand(setRxParamsRawCmdHandler, {"srxpr", "asic", "8G", "1", "7", "0", "0x4e", "0", "0", "6"}),
+      refused(CMD_MIXED_PORT_TYPES));
+  EXPECT_EQ(
+      runUnderAShowCommand(setRxParamsRawCmdHandler, {"srxpr", "asic", "8G", "1", "7", "0", "0x4e", "0", "0", "8"}),
+      refused(CMD_MIXED_PORT_TYPES));
+  EXPECT_EQ(runUnderAShowCommand(setRxParamsRawCmdHandler, {"srxpr", "asic", "8G", "1", "7", "0", "0x4e", "0", "7-8"}),
             refused(CMD_MIXED_PORT_TYPES));
-  EXPECT_EQ(runUnderAShowCommand({"srxpr", "asic", "8G", "1", "7", "0", "0x4e", "0", "0", "8"}),
-            refused(CMD_MIXED_PORT_TYPES));
-  EXPECT_EQ(runUnderAShowCommand({"srxpr", "asic", "8G", "1", "7", "0", "0x4e", "0", "7-8"}),
-            refused(CMD_MIXED_PORT_TYPES));
-  EXPECT_EQ(runUnderAShowCommand({"srxpr", "system", "8G", "1", "7", "0", "0x4e", "0", "all"}),
-            refused(CMD_MIXED_PORT_TYPES));
+  EXPECT_EQ(
+      runUnderAShowCommand(setRxParamsRawCmdHandler, {"srxpr", "system", "8G", "1", "7", "0", "0x4e", "0", "all"}),
+      refused(CMD_MIXED_PORT_TYPES));
 }
 
 TEST_F(SetRxParamsRaw, EmptyListWritesNothing) {

@@ -2,7 +2,9 @@
 #include <limits>
 #include <string>
 
+#include "commands/tx_cache.h"
 #include "tests/support/expected.h"
+#include "tests/support/handlers.h"
 
 namespace recording {
 namespace {
@@ -427,6 +429,14 @@ TEST_F(SetTxParamsRaw, FailureOnSecondPortLeavesFirstWritten) {
       run("setTxParamsRaw asic 8G 1 2 3 4 5 6 7 0-2"),
       failed("setTxParamsRawCmdHandler: serdes err -8\n", {"SetSerDesTxRateParams(0, 0, 4, 1, 2, 3, 4, 5, 6, 7)",
                                                            "SetSerDesTxRateParams(0, 1, 4, 1, 2, 3, 4, 5, 6, 7)"}));
+}
+
+TEST_F(SetTxParamsRaw, HandlerItselfRefusesMixedTypes) {
+  for (const char* ports : {"0-6", "0-8", "7-8", "all"}) {
+    EXPECT_EQ(runUnderAShowCommand(setTxParamsRawCmdHandler,
+                                   {"stxpr", "asic", "8G", "0", "2", "115", "-4", "55", "-25", "0", ports}),
+              refused(CMD_MIXED_PORT_TYPES));
+  }
 }
 
 TEST_F(SetTxParamsRaw, EmptySelectionStoresNothing) {
