@@ -8,7 +8,8 @@ and what is expected:
   out          standard output
   err          standard error            (absent: empty)
   status       exit status               (absent: 0)
-  calls        platform calls as traced  (absent: not compared)
+  calls        platform calls as traced, start-up and close left out (absent: not compared)
+  all_calls    the same with start-up and close (absent: not compared)
 and, where it differs from the default switch:
   switch.toml  the switch's description
   args         the words after `serdes`, one a line, instead of `script`
@@ -25,6 +26,19 @@ import tempfile
 
 HERE = pathlib.Path(__file__).resolve().parent
 TIMEOUT_SECONDS = 120
+
+
+# The operations of start-up and close.
+AROUND = {b"AsicCtlOpen", b"PortCtlOpen", b"GetSwitchConfig", b"GetSerDesInfo", b"GetPortHwConfig", b"AsicCtlClose",
+          b"PortCtlClose"}
+
+
+def without_start_and_close(calls):
+    lines = calls.splitlines(True)
+    around = [line.split(b"(")[0] in AROUND for line in lines]
+    first = around.index(False) if False in around else len(lines)
+    last = len(lines) - around[::-1].index(False) if False in around else first
+    return b"".join(lines[first:last])
 
 
 def read(path):
@@ -48,7 +62,9 @@ def run_case(serdes, case, work):
     with open(stdin if stdin.exists() else os.devnull, "rb") as typed:
         done = subprocess.run([serdes, *args], cwd=work, env=env, stdin=typed, capture_output=True,
                               timeout=TIMEOUT_SECONDS, check=False)
-    return {"out": done.stdout, "err": done.stderr, "status": b"%d\n" % done.returncode, "calls": read(trace) or b""}
+    calls = read(trace) or b""
+    return {"out": done.stdout, "err": done.stderr, "status": b"%d\n" % done.returncode,
+            "calls": without_start_and_close(calls), "all_calls": calls}
 
 
 def differences(case, got):
@@ -57,10 +73,11 @@ def differences(case, got):
         "err": read(case / "err") or b"",
         "status": read(case / "status") or b"0\n",
         "calls": read(case / "calls"),
+        "all_calls": read(case / "all_calls"),
     }
     found = []
     for name, want in expected.items():
-        if want is None and name == "calls":
+        if want is None and name.endswith("calls"):
             continue
         if want is None:
             found.append(f"{name}: the case has no file of this name")
@@ -87,8 +104,9 @@ def update(case, got):
             (case / name).write_bytes(got[name])
         else:
             (case / name).unlink(missing_ok=True)
-    if (case / "calls").exists():
-        (case / "calls").write_bytes(got["calls"])
+    for name in ("calls", "all_calls"):
+        if (case / name).exists():
+            (case / name).write_bytes(got[name])
 
 
 def main():
