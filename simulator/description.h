@@ -54,7 +54,8 @@ struct PartnerDescription {
 };
 
 struct PortDescription {
-  std::uint32_t portType = 0;  // kPortTypeGl, kPortTypeXg, kPortTypeExg
+  std::uint32_t portType = 0;              // kPortTypeGl, kPortTypeXg, kPortTypeExg
+  std::optional<std::uint32_t> shownType;  // what the hardware record says instead
   bool present = true;
   std::uint16_t userPort = kNoUserPort;
   unsigned rxLinks = 1;

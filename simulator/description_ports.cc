@@ -96,8 +96,8 @@ void readLinks(TomlTable& table, unsigned position, PortDescription& port) {
   }
   store(port.rxLinks, table.integer("rx_links", 0, kMaxLinks));
   store(port.txLinks, table.integer("tx_links", 0, kMaxLinks));
-  // A core that serves several ports takes the run's ports in turn.
-  const auto portsPerCore = static_cast<unsigned>(table.integer("ports_per_core", 1, kMaxPorts).value_or(1));
+  // One core serves the whole run, or each so many ports of it.
+  const auto portsPerCore = static_cast<unsigned>(table.integer("ports_per_core", 1, kMaxPorts).value_or(kMaxPorts));
   const unsigned step = position / portsPerCore;
   if (const auto core = table.integer("core", 0, kMaxCores - 1)) {
     port.rxCore = port.txCore = static_cast<unsigned>(*core) + step;
@@ -122,6 +122,9 @@ void readPort(TomlTable& table, const Library& library, unsigned index, unsigned
   if (!portType && !draft.described)
     table.fail("kind", "the first entry of port " + std::to_string(index) + " needs it");
   draft.described = true;
+  if (const auto shown = table.integer("port_type", 0, UINT32_MAX)) {
+    port.shownType = static_cast<std::uint32_t>(*shown);
+  }
   store(port.present, table.boolean("present"));
   readUserPort(table, position, port);
   readLinks(table, position, port);

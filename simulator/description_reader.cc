@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "simulator/description_words.h"
+#include "simulator/fingerprint.h"
 
 namespace simulator {
 namespace {
@@ -137,16 +138,29 @@ void storeOptional(std::optional<T>& target, const std::optional<std::int64_t>& 
   if (value) target = static_cast<T>(*value);
 }
 
+// A fault on something that the operation does not address would never strike.
+void readCallSite(TomlTable& table, CallSite& where) {
+  storeOptional(where.asic, table.integer("asic", 0, UINT32_MAX));
+  storeOptional(where.port, table.integer("port", 0, UINT32_MAX));
+  storeOptional(where.link, table.integer("link", INT32_MIN, INT32_MAX));
+  storeOptional(where.core, table.integer("core", 0, UINT32_MAX));
+  const Addressed addressed = addressedBy(where.operation);
+  const auto check = [&](std::string_view key, bool known) {
+    if (table.has(key) && !known) table.fail(key, "the operation names no " + std::string(key));
+  };
+  check("asic", addressed.asic);
+  check("port", addressed.port);
+  check("link", addressed.link);
+  check("core", addressed.core);
+}
+
 FaultDescription readFault(TomlTable& table) {
   FaultDescription fault;
   const auto name = table.text("operation");
   const auto operation = findOperation(name.value_or(""));
   if (!operation) table.fail("operation", name ? "there is no operation \"" + *name + '"' : "is missing");
   fault.where.operation = *operation;
-  storeOptional(fault.where.asic, table.integer("asic", 0, UINT32_MAX));
-  storeOptional(fault.where.port, table.integer("port", 0, UINT32_MAX));
-  storeOptional(fault.where.link, table.integer("link", INT32_MIN, INT32_MAX));
-  storeOptional(fault.where.core, table.integer("core", 0, UINT32_MAX));
+  readCallSite(table, fault.where);
   store(fault.ordinal, table.integer("ordinal", 1, UINT32_MAX));
   store(fault.always, table.boolean("always"));
   if (const auto probability = table.number("probability", 0, 1)) {
@@ -192,14 +206,6 @@ int countUserPorts(const SwitchDescription& description) {
       count += port.userPort != kNoUserPort ? 1 : 0;
   }
   return count;
-}
-
-// FNV-1a, 64 bits.
-std::uint64_t fingerprintOf(std::string_view text) {
-  std::uint64_t hash = 0xcbf29ce484222325;
-  for (const char c : text)
-    hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3;
-  return hash;
 }
 
 SwitchDescription readRoot(const toml::table& parsed, const std::string& fileName) {

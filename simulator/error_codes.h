@@ -18,6 +18,8 @@ enum ErrorCode : int {
   kBadArgument = -11,      // a null pointer
   kInjectedFault = -12,    // a fault of the description that names no code of its own
   kInternalError = -13,    // out of memory, or a mistake of the simulator
+  kStateInUse = -14,       // another session has the file that keeps the switch's state
+  kBadState = -15,         // that file is damaged, of another switch or format, or cannot be read, locked or written
 };
 
 }  // namespace simulator

@@ -91,6 +91,33 @@ const OperationInfo& operationInfo(Operation operation) {
   return kOperations[static_cast<std::size_t>(operation)];
 }
 
+Addressed addressedBy(Operation operation) {
+  switch (operation) {
+    case kAsicCtlOpen:
+    case kAsicCtlClose:
+    case kPortCtlOpen:
+    case kPortCtlClose:
+    case kGetSwitchConfig:
+    case kToString:
+      return {};
+    case kGetSerDesInfoOfAsic:
+      return {.asic = true};
+    case kGetSerDesInfoOfCore:
+    case kReadSerDesPLLRegister:
+    case kWriteSerDesPLLRegister:
+      return {.asic = true, .core = true};
+    case kGetSerDesInfoOfPort:
+    case kSetSerDesTxRateParams:
+    case kGetSerDesTxRateParams:
+    case kSetSerDesRxRateParams:
+    case kGetSerDesRxRateParams:
+      return {.asic = true, .port = true};
+    default:
+      // The rest of AsicControl works on links, all of PortControl on ports.
+      return {.asic = true, .port = true, .link = operation < kPortCtlOpen};
+  }
+}
+
 std::optional<Operation> findOperation(std::string_view name) {
   for (const OperationInfo& info : kOperations) {
     if (info.name == name) return info.operation;

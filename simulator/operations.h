@@ -57,9 +57,18 @@ struct OperationInfo {
   std::span<const std::string_view> outputs;
 };
 
+// What the calls of an operation name.
+struct Addressed {
+  bool asic = false;
+  bool port = false;
+  bool link = false;
+  bool core = false;
+};
+
 // In the order of the enumeration.
 std::span<const OperationInfo> allOperations();
 const OperationInfo& operationInfo(Operation operation);
+Addressed addressedBy(Operation operation);
 std::optional<Operation> findOperation(std::string_view name);
 
 }  // namespace simulator

@@ -47,6 +47,8 @@ int PlatformCall::finish(const Outputs& outputs) {
       if (output.name() == fault_->answer->output) output.replace(fault_->answer->value);
     }
   }
+  // What hands nothing back is a set. It is kept before anybody hears that it succeeded.
+  if (code_ >= 0 && info_.outputs.empty()) code_ = Session::instance().keep();
   Trace& trace = Session::instance().trace();
   if (!trace.isOn()) return code_;
   std::string text;
@@ -63,6 +65,7 @@ int openCall(Side side, Operation operation) noexcept {
     const int code = faultOf(session.any(), operation);
     // The switch stays even if nobody has it open now: a fault that strikes once must not strike again.
     if (code != kOk && !wasOpen) session.takeBack(side);
+    if (code != kOk) (void)session.keep();
     return code;
   });
 }
@@ -70,7 +73,9 @@ int openCall(Side side, Operation operation) noexcept {
 int closeCall(Side side, Operation operation) noexcept {
   return tracedCall(operation, [&](Session& session) {
     const int code = faultOf(session.find(side), operation);
-    return code != kOk ? code : session.close(side);
+    if (code == kOk) return session.close(side);
+    (void)session.keep();
+    return code;
   });
 }
 

@@ -3,7 +3,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <string>
+#include <utility>
 
 #include "simulator/default_switch.h"
 
@@ -12,6 +14,7 @@ namespace {
 
 constexpr const char* kSwitchVariable = "SERDES_SIMULATOR_SWITCH";
 constexpr const char* kClockVariable = "SERDES_SIMULATOR_CLOCK";
+constexpr const char* kStateVariable = "SERDES_SIMULATOR_STATE";
 constexpr const char* kTraceVariable = "SERDES_SIMULATOR_TRACE";
 
 // An empty variable counts as one that is not set.
@@ -35,6 +38,10 @@ SwitchDescription describedSwitch() {
   return description;
 }
 
+void complain(const std::exception& error) {
+  (void)std::fprintf(stderr, "simulated switch: %s\n", error.what());
+}
+
 }  // namespace
 
 Session& Session::instance() {
@@ -48,19 +55,46 @@ int Session::open(Side side) {
     if (!anyOpen() && !trace_.open(traceName)) {
       throw DescriptionError(std::string(kTraceVariable) + ": " + traceName + " cannot be written");
     }
-    if (switch_ == nullptr) switch_ = std::make_unique<Switch>(describedSwitch());
+    if (switch_ == nullptr) build();
   } catch (const DescriptionError& error) {
-    std::fprintf(stderr, "simulated switch: %s\n", error.what());
+    complain(error);
     return kBadDescription;
+  } catch (const StateError& error) {
+    complain(error);
+    return error.code();
   }
   open_[static_cast<std::size_t>(side)] = true;
   return kOk;
 }
 
+void Session::build() {
+  auto theSwitch = std::make_unique<Switch>(describedSwitch());
+  if (const std::string fileName = variable(kStateVariable); !fileName.empty()) {
+    auto stateFile = std::make_unique<StateFile>(fileName);
+    stateFile->load(*theSwitch);
+    stateFile_ = std::move(stateFile);
+  }
+  switch_ = std::move(theSwitch);
+}
+
 int Session::close(Side side) {
   if (!isOpen(side)) return kNotOpen;
   open_[static_cast<std::size_t>(side)] = false;
-  if (!anyOpen()) switch_.reset();
+  const int code = keep();
+  if (anyOpen()) return code;
+  switch_.reset();
+  stateFile_.reset();
+  return code;
+}
+
+int Session::keep() const {
+  if (stateFile_ == nullptr) return kOk;
+  try {
+    stateFile_->save(*switch_);
+  } catch (const StateError& error) {
+    complain(error);
+    return error.code();
+  }
   return kOk;
 }
 
@@ -70,7 +104,7 @@ Switch* Session::find(Side side) const {
 
 // Calls before the first opening are traced too.
 Trace& Session::trace() {
-  if (!anyOpen()) (void)trace_.open(variable(kTraceVariable));
+  if (!anyOpen() && trace_.fileName() != variable(kTraceVariable)) (void)trace_.open(variable(kTraceVariable));
   return trace_;
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "simulator/api.h"
+#include "simulator/state_file.h"
 #include "simulator/switch.h"
 #include "simulator/trace.h"
 
@@ -18,11 +19,13 @@ class SIMULATOR_API Session {
   // The process's session.
   static Session& instance();
 
-  // kOk, or kBadDescription with the reason on standard error. The first side to open builds the switch; opening twice
-  // is as opening once.
+  // kOk, or kBadDescription, kStateInUse or kBadState with the reason on standard error. The first side to open builds
+  // the switch, as its state file keeps it; opening twice is as opening once.
   int open(Side side);
-  // kNotOpen when it is not. With the last side the switch goes, and what was set on it.
+  // kNotOpen when it is not. With the last side the switch goes, and what was set on it but for its state file.
   int close(Side side);
+  // Writes the state file, if there is to be one: kOk, or kBadState with the reason on standard error.
+  int keep() const;
   // Undoes an opening; the switch stays for the next.
   void takeBack(Side side) {
     open_[static_cast<std::size_t>(side)] = false;
@@ -36,6 +39,7 @@ class SIMULATOR_API Session {
   Trace& trace();
 
  private:
+  void build();
   bool isOpen(Side side) const {
     return open_[static_cast<std::size_t>(side)];
   }
@@ -45,6 +49,7 @@ class SIMULATOR_API Session {
 
   std::array<bool, 2> open_{};
   std::unique_ptr<Switch> switch_;
+  std::unique_ptr<StateFile> stateFile_;
   Trace trace_;
 };
 

@@ -175,7 +175,7 @@ int Switch::getPortHwConfig(port_id_t port, Port_HW_Config_t* config) const {
   *config = {};
   config->portId = {.userPort = described.userPort, .asic = port.asic, .asicPort = port.asicPort, .unused = {}};
   config->presence = described.present ? 1 : 0;
-  config->portType = described.portType;
+  config->portType = described.shownType.value_or(described.portType);
   return kOk;
 }
 

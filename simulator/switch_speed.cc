@@ -66,8 +66,9 @@ bool Switch::allLooped(PortPlace place) const {
 std::uint32_t Switch::agreedSpeed(PortPlace place) const {
   const std::uint32_t own = stateOf(place).configuredSpeed;
   if (own != SPEED_AUTO) return own;
-  if (allLooped(place)) return highest(describe(place).speeds);
-  return highest(allowedSpeeds(place) & farSpeeds(place));
+  const std::uint32_t agreed = highest(allowedSpeeds(place) & farSpeeds(place));
+  // In loopback a port agrees with itself, but not so as to lose the far end.
+  return agreed == SPEED_AUTO && allLooped(place) ? highest(describe(place).speeds) : agreed;
 }
 
 std::uint32_t Switch::farOperatingSpeed(PortPlace place) const {

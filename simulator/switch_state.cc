@@ -8,7 +8,7 @@
 namespace simulator {
 namespace {
 
-// Whole numbers of either sign as 64 bits, and back if they fit.
+// Whole numbers as 64 bits, negative ones as their two's complement, and back if they fit.
 class Writer {
  public:
   void begin(std::string name) {
@@ -19,7 +19,7 @@ class Writer {
     records.back().values.push_back(static_cast<std::uint64_t>(place));
   }
   void signedValue(std::int32_t& place) {
-    records.back().values.push_back(static_cast<std::uint32_t>(place));
+    records.back().values.push_back(static_cast<std::uint64_t>(std::int64_t{place}));
   }
 
   std::vector<StateRecord> records;
@@ -41,9 +41,9 @@ class Reader {
     if (fits_) place = static_cast<T>(value);
   }
   void signedValue(std::int32_t& place) {
-    std::uint32_t bits = 0;
-    value(bits, UINT32_MAX);
-    place = static_cast<std::int32_t>(bits);
+    const auto value = static_cast<std::int64_t>(take());
+    if (value < INT32_MIN || value > INT32_MAX) fits_ = false;
+    if (fits_) place = static_cast<std::int32_t>(value);
   }
   // Every record was of the wanted shape, and none is left.
   bool fits() {

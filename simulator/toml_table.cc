@@ -179,9 +179,15 @@ std::optional<std::vector<unsigned>> TomlTable::indexes(std::string_view key, un
   while (true) {
     const std::size_t comma = rest.find(',');
     if (!appendRange(rest.substr(0, comma), greatest, numbers)) fail(key, what);
-    if (comma == std::string_view::npos) return numbers;
+    if (comma == std::string_view::npos) break;
     rest.remove_prefix(comma + 1);
   }
+  std::vector<bool> seen(std::size_t{greatest} + 1);
+  for (const unsigned number : numbers) {
+    if (seen[number]) fail(key, "names " + std::to_string(number) + " twice");
+    seen[number] = true;
+  }
+  return numbers;
 }
 
 std::optional<TomlTable> TomlTable::table(std::string_view key) {

@@ -4,7 +4,6 @@
 namespace simulator {
 
 bool Trace::open(const std::string& fileName) {
-  if (fileName == fileName_ && (isOn() || fileName.empty())) return true;
   file_.reset(fileName.empty() ? nullptr : std::fopen(fileName.c_str(), "a"));
   fileName_ = fileName;
   return fileName.empty() || isOn();

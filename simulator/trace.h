@@ -11,6 +11,10 @@ class Trace {
  public:
   // Writes to `fileName` from now on, or nowhere when it is empty. False, and nowhere, when it cannot be opened.
   bool open(const std::string& fileName);
+  // As it was last given to open.
+  const std::string& fileName() const {
+    return fileName_;
+  }
   bool isOn() const {
     return file_ != nullptr;
   }

@@ -179,8 +179,7 @@ partner = { settings = "some", speed = "10G", speeds = ["10G"], sends = false, p
 
 TEST(Description, SumsEveryKindOfChannelPiece) {
   const auto lossOf = [](const std::string& pieces) {
-    const SwitchDescription description =
-        read("[channels.c]\n" + pieces + "\n" + kOnePort + "channel = \"c\"\n");
+    const SwitchDescription description = read("[channels.c]\n" + pieces + "\n" + kOnePort + "channel = \"c\"\n");
     return insertionLossDb(description.asics[0].ports[0].channel, 4);
   };
   EXPECT_NEAR(lossOf("a0 = 1\na1 = 2\na2 = 0.5\na4 = 0.25"), 1 + 4 + 2 + 4, 1e-9);

@@ -37,7 +37,8 @@ TEST(ErrorCounter, CarriesFractionsOverManyShortSteps) {
   ErrorCounter inSteps;
   const ErrorRate rate = errorRate(3.141592);
   atOnce.accumulate(rate, 1'000'003);
-  for (int i = 0; i < 1'000'003; ++i) inSteps.accumulate(rate, 1);
+  for (int i = 0; i < 1'000'003; ++i)
+    inSteps.accumulate(rate, 1);
   EXPECT_EQ(inSteps.count, 3U);
   EXPECT_EQ(atOnce.count, inSteps.count);
   EXPECT_EQ(atOnce.carry, inSteps.carry);
@@ -46,7 +47,8 @@ TEST(ErrorCounter, CarriesFractionsOverManyShortSteps) {
 TEST(ErrorCounter, KeepsARareErrorUntilItIsWhole) {
   ErrorCounter counter;
   const ErrorRate oneInThousandSeconds = errorRate(0.001);
-  for (int second = 0; second < 999; ++second) counter.accumulate(oneInThousandSeconds, 1'000'000);
+  for (int second = 0; second < 999; ++second)
+    counter.accumulate(oneInThousandSeconds, 1'000'000);
   EXPECT_EQ(counter.count, 0U);
   counter.accumulate(oneInThousandSeconds, 1'000'000);
   EXPECT_EQ(counter.count, 1U);

@@ -28,7 +28,8 @@ TEST(RandomNumbers, AreThoseOfTheDocumentedGenerator) {
 TEST(RandomNumbers, AreSpreadOverTheWholeRange) {
   RandomNumbers random(42);
   std::array<int, 10> seen{};
-  for (int i = 0; i < 10000; ++i) ++seen[random.below(10)];
+  for (int i = 0; i < 10000; ++i)
+    ++seen[random.below(10)];
   for (const int count : seen) {
     EXPECT_GT(count, 850);
     EXPECT_LT(count, 1150);

@@ -34,7 +34,8 @@ TEST(RegisterMap, EveryFieldLiesWithinTheRegistersOfItsSide) {
       EXPECT_GE(place.width, 1) << named.name;
       EXPECT_LE(place.shift + place.width, 16) << named.name;
     }
-    for (const RegisterTrait& trait : named.map->traits) EXPECT_LT(trait.address, named.map->count) << named.name;
+    for (const RegisterTrait& trait : named.map->traits)
+      EXPECT_LT(trait.address, named.map->count) << named.name;
   }
 }
 
@@ -62,7 +63,8 @@ TEST(RegisterMap, WhatIsComputedCannotBeWrittenAndWhatIsSetCan) {
 TEST(RegisterMap, EveryTypeCanBeTestedAndSwitchedOnAndOff) {
   for (unsigned type = 0; type < kSerDesTypes; ++type) {
     const SerDesTraits& traits = serDesTraits(type);
-    for (const Field field : {kTxEnable, kPattern, kSending, kInjectedErrors}) EXPECT_TRUE(traits.tx.has(field)) << type;
+    for (const Field field : {kTxEnable, kPattern, kSending, kInjectedErrors})
+      EXPECT_TRUE(traits.tx.has(field)) << type;
     for (const Field field : {kRxEnable, kLoopback, kCheckPattern, kSignalDetect, kLock, kEyeHeight, kCheckErrors}) {
       EXPECT_TRUE(traits.rx.has(field)) << type;
     }

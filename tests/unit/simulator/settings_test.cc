@@ -20,7 +20,7 @@ int tryFfe(const SerDesTraits& traits, const FfeSettings& settings) {
   RegisterFile registers = traits.tx.resetValues();
   const RegisterFile before = registers;
   const int code = setFfe(traits, registers, settings);
-  if (code != kOk) EXPECT_EQ(registers, before);
+  EXPECT_TRUE(code == kOk || registers == before);
   return code;
 }
 
@@ -127,12 +127,14 @@ TEST(DfeState, LoadsModeAndTapsAndHoldsThem) {
     RegisterFile registers = traits.rx.resetValues();
     SerDesRxDFEState state{};
     state.mode = DFE_5;
-    for (std::size_t i = 0; i < kDfeTapCount; ++i) state.h[i] = static_cast<std::int16_t>(static_cast<int>(i) * 10 - 45);
+    for (std::size_t i = 0; i < kDfeTapCount; ++i)
+      state.h[i] = static_cast<std::int16_t>(static_cast<int>(i) * 10 - 45);
     EXPECT_EQ(setDfeState(traits, registers, state), kOk);
     EXPECT_EQ(dfeOf(traits, registers), DFE_5);
     const Receiver receiver = receiverOf(traits, registers);
     EXPECT_FALSE(receiver.adapt);
-    for (std::size_t i = 0; i < kDfeTapCount; ++i) EXPECT_EQ(receiver.heldTaps[i], state.h[i]);
+    for (std::size_t i = 0; i < kDfeTapCount; ++i)
+      EXPECT_EQ(receiver.heldTaps[i], state.h[i]);
     EXPECT_EQ(setDfe(traits, registers, DFE_5), kOk);
     EXPECT_TRUE(receiverOf(traits, registers).adapt);
   }

@@ -78,7 +78,6 @@ ports = "4-5"
 kind = "GL"
 user_port = -1
 core = 1
-ports_per_core = 2
 channel = "short"
 cache = "good"
 
@@ -101,7 +100,6 @@ kind = "EXG"
 user_port = 47
 rx_core = 3
 tx_core = 4
-ports_per_core = 2
 channel = "short"
 far_end = "loop"
 speed = "10G"
@@ -120,7 +118,8 @@ class SwitchTest : public testing::Test {
     return {.userPort = kNoUserPort, .asic = 0, .asicPort = static_cast<std::uint16_t>(port), .unused = {}};
   }
   void passSeconds(int seconds) {
-    for (int i = 0; i < seconds; ++i) (void)sw.beginCall({});
+    for (int i = 0; i < seconds; ++i)
+      (void)sw.beginCall({});
   }
   unsigned long statusOf(unsigned port) {
     unsigned long value = 999;
