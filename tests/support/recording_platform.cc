@@ -136,13 +136,13 @@ int AsicControl::AsicCtlClose() {
 
 int AsicControl::GetSwitchConfig(Switch_HW_Config_t* config) {
   const int result = platform.record("GetSwitchConfig", "");
-  if (result >= 0) *config = platform.switchConfig;
+  if (result >= 0 && !platform.silent) *config = platform.switchConfig;
   return answered(result, config);
 }
 
 int AsicControl::GetSerDesInfo(unsigned int asic, unsigned int* portCount, unsigned int* coreCount) {
   const int result = platform.record("GetSerDesInfo", listed(asic));
-  if (result < 0) return result;
+  if (result < 0 || platform.silent) return result;
   *portCount = platform.portCount;
   *coreCount = platform.coreCount;
   return answered(result, portCount, coreCount);
@@ -152,7 +152,7 @@ int AsicControl::GetSerDesInfo(unsigned int asic, unsigned int core, unsigned sh
                                unsigned int* pllRegisterCount, unsigned int* rxRegisterCount,
                                unsigned int* txRegisterCount, unsigned int* rxParamCount, unsigned int* txParamCount) {
   const int result = platform.record("GetSerDesInfo", listed(asic, core));
-  if (result < 0) return result;
+  if (result < 0 || platform.silent) return result;
   const recording::Core& answer = platform.cores[core % recording::kCores];
   *firstPort = answer.firstPort;
   *type = static_cast<SerDesType>(answer.type);
@@ -168,7 +168,7 @@ int AsicControl::GetSerDesInfo(unsigned int asic, unsigned int core, unsigned sh
 int AsicControl::GetSerDesInfo(unsigned int asic, unsigned int port, SerDesLinkType side, unsigned int* linkCount,
                                SerDesType* type, unsigned int* coreId) {
   const int result = platform.record("GetSerDesInfo", listed(asic, port) + (side == SERDES_LINK_RX ? ", rx" : ", tx"));
-  if (result < 0) return result;
+  if (result < 0 || platform.silent) return result;
   const recording::Side& answer = side == SERDES_LINK_RX ? portOf(port).rx : portOf(port).tx;
   *linkCount = answer.linkCount;
   *type = static_cast<SerDesType>(answer.type);
@@ -185,7 +185,7 @@ const char* AsicControl::ToString(SerDesType type) {
 int AsicControl::ReadSerDesLinkRegister(unsigned int asic, unsigned int port, int link, SerDesLinkType side,
                                         unsigned char address, unsigned short* values, unsigned char count) {
   const int result = platform.record("ReadSerDesLinkRegister", listed(asic, port, link, side, address, count));
-  if (result < 0) return result;
+  if (result < 0 || platform.silent) return result;
   for (unsigned i = 0; i < count; ++i)
     values[i] = platform.linkRegister(port, link, side, address + i);
   if (platform.corrupt) platform.corrupt(std::as_writable_bytes(std::span(values, count)));
@@ -200,7 +200,7 @@ int AsicControl::WriteSerDesLinkRegister(unsigned int asic, unsigned int port, i
 int AsicControl::ReadSerDesPLLRegister(unsigned int asic, unsigned int core, unsigned char address,
                                        unsigned short* values, unsigned char count) {
   const int result = platform.record("ReadSerDesPLLRegister", listed(asic, core, address, count));
-  if (result < 0) return result;
+  if (result < 0 || platform.silent) return result;
   for (unsigned i = 0; i < count; ++i)
     values[i] = platform.pllRegister(core, address + i);
   if (platform.corrupt) platform.corrupt(std::as_writable_bytes(std::span(values, count)));
@@ -220,7 +220,7 @@ int AsicControl::SetSerDesTxFFE(unsigned int asic, unsigned int port, int link, 
 int AsicControl::GetSerDesTxFFE(unsigned int asic, unsigned int port, int link, SerDesTxFFEMode* mode, unsigned char* k,
                                 signed char* c0, signed char* c1, signed char* c2, signed char* c3) {
   const int result = platform.record("GetSerDesTxFFE", listed(asic, port, link));
-  if (result < 0) return result;
+  if (result < 0 || platform.silent) return result;
   const recording::TxLink& answer = txLinkOf(port, link);
   *mode = static_cast<SerDesTxFFEMode>(answer.mode);
   *k = answer.k;
@@ -237,7 +237,7 @@ int AsicControl::SetSerDesTxSlew(unsigned int asic, unsigned int port, int link,
 
 int AsicControl::GetSerDesTxSlew(unsigned int asic, unsigned int port, int link, bool* enable, SerDesTxSlewRate* slew) {
   const int result = platform.record("GetSerDesTxSlew", listed(asic, port, link));
-  if (result < 0) return result;
+  if (result < 0 || platform.silent) return result;
   *enable = true;
   *slew = static_cast<SerDesTxSlewRate>(txLinkOf(port, link).slew);
   return answered(result, enable, slew);
@@ -252,7 +252,7 @@ int AsicControl::SetSerDesTxRateParams(unsigned int asic, unsigned int port, por
 int AsicControl::GetSerDesTxRateParams(unsigned int asic, unsigned int port, port_speed_type rate,
                                        SerDesTxRateParams* params) {
   const int result = platform.record("GetSerDesTxRateParams", listed(asic, port, rate));
-  if (result >= 0) *params = portOf(port).txCache;
+  if (result >= 0 && !platform.silent) *params = portOf(port).txCache;
   return answered(result, params);
 }
 
@@ -262,7 +262,7 @@ int AsicControl::SetSerDesRxDFE(unsigned int asic, unsigned int port, int link, 
 
 int AsicControl::GetSerDesRxDFE(unsigned int asic, unsigned int port, int link, SerDesRxDFEMode* mode) {
   const int result = platform.record("GetSerDesRxDFE", listed(asic, port, link));
-  if (result >= 0) *mode = static_cast<SerDesRxDFEMode>(rxLinkOf(port, link).mode);
+  if (result >= 0 && !platform.silent) *mode = static_cast<SerDesRxDFEMode>(rxLinkOf(port, link).mode);
   return answered(result, mode);
 }
 
@@ -274,7 +274,7 @@ int AsicControl::SetSerDesRxVGA(unsigned int asic, unsigned int port, int link, 
 int AsicControl::GetSerDesRxVGA(unsigned int asic, unsigned int port, int link, signed char* pole, signed char* peak,
                                 signed char* amax) {
   const int result = platform.record("GetSerDesRxVGA", listed(asic, port, link));
-  if (result < 0) return result;
+  if (result < 0 || platform.silent) return result;
   const recording::RxLink& answer = rxLinkOf(port, link);
   *pole = answer.pole;
   *peak = answer.peak;
@@ -291,7 +291,7 @@ int AsicControl::SetSerDesRxDFEState(unsigned int asic, unsigned int port, int l
 
 int AsicControl::GetSerDesRxDFEStats(unsigned int asic, unsigned int port, int link, SerDesRxDFEStats* stats) {
   const int result = platform.record("GetSerDesRxDFEStats", listed(asic, port, link));
-  if (result >= 0) *stats = rxLinkOf(port, link).stats;
+  if (result >= 0 && !platform.silent) *stats = rxLinkOf(port, link).stats;
   return answered(result, stats);
 }
 
@@ -303,7 +303,7 @@ int AsicControl::SetSerDesRxRateParams(unsigned int asic, unsigned int port, por
 int AsicControl::GetSerDesRxRateParams(unsigned int asic, unsigned int port, port_speed_type rate,
                                        SerDesRxRateParams* params) {
   const int result = platform.record("GetSerDesRxRateParams", listed(asic, port, rate));
-  if (result >= 0) *params = portOf(port).rxCache;
+  if (result >= 0 && !platform.silent) *params = portOf(port).rxCache;
   return answered(result, params);
 }
 
@@ -316,7 +316,7 @@ int AsicControl::GetSerDesTestStatus(unsigned int asic, unsigned int port, int l
                                      int* status) {
   const int result =
       platform.record("GetSerDesTestStatus", listed(asic, port, link, static_cast<std::uint32_t>(option)));
-  if (result >= 0) *status = platform.testStatus;
+  if (result >= 0 && !platform.silent) *status = platform.testStatus;
   return answered(result, status);
 }
 
@@ -330,13 +330,13 @@ int PortControl::PortCtlClose() {
 
 int PortControl::GetPortHwConfig(port_id_t port, Port_HW_Config_t* config) {
   const int result = platform.record("GetPortHwConfig", named(port));
-  if (result >= 0) *config = portOf(port).hwConfig;
+  if (result >= 0 && !platform.silent) *config = portOf(port).hwConfig;
   return answered(result, config);
 }
 
 int PortControl::GetPortInfo(port_id_t port, port_info_t selector, unsigned long* value) {
   const int result = platform.record("GetPortInfo", with(port, listed(selector)));
-  if (result >= 0) *value = portOf(port).state;
+  if (result >= 0 && !platform.silent) *value = portOf(port).state;
   return answered(result, value);
 }
 
@@ -346,19 +346,19 @@ int PortControl::SetPortCfgSpeed(port_id_t port, unsigned int speed) {
 
 int PortControl::GetPortCfgSpeed(port_id_t port, unsigned int* speed) {
   const int result = platform.record("GetPortCfgSpeed", named(port));
-  if (result >= 0) *speed = portOf(port).configuredSpeed;
+  if (result >= 0 && !platform.silent) *speed = portOf(port).configuredSpeed;
   return answered(result, speed);
 }
 
 int PortControl::GetPortSpeed(port_id_t port, unsigned int* speed) {
   const int result = platform.record("GetPortSpeed", named(port));
-  if (result >= 0) *speed = portOf(port).runningSpeed;
+  if (result >= 0 && !platform.silent) *speed = portOf(port).runningSpeed;
   return answered(result, speed);
 }
 
 int PortControl::GetMediaHwFcXmtrType(port_id_t port, MediaHwFcXmtrType* type) {
   const int result = platform.record("GetMediaHwFcXmtrType", named(port));
-  if (result >= 0) *type = static_cast<MediaHwFcXmtrType>(portOf(port).media);
+  if (result >= 0 && !platform.silent) *type = static_cast<MediaHwFcXmtrType>(portOf(port).media);
   return answered(result, type);
 }
 
@@ -368,13 +368,13 @@ int PortControl::TxStreamEnable(port_id_t port, bool enable) {
 
 int PortControl::TxStreamState(port_id_t port, bool* enabled) {
   const int result = platform.record("TxStreamState", named(port));
-  if (result >= 0) std::memcpy(enabled, &portOf(port).streamState, 1);
+  if (result >= 0 && !platform.silent) std::memcpy(enabled, &portOf(port).streamState, 1);
   return answered(result, enabled);
 }
 
 int PortControl::GetFrameStatCntrs(port_id_t port, drv_counters_t* counters) {
   const int result = platform.record("GetFrameStatCntrs", named(port));
-  if (result < 0) return result;
+  if (result < 0 || platform.silent) return result;
   if (platform.frameStatistics) {
     *counters = platform.frameStatistics(port);
     return result;

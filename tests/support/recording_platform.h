@@ -81,6 +81,8 @@ struct Platform {
   // When set, gives the whole record of a port's frame statistics instead of the port's two counts.
   std::function<drv_counters_t(port_id_t port)> frameStatistics;
 
+  // Set: operations succeed without writing any of their values.
+  bool silent = false;
   // Set: overwrites every value that an operation hands back, its record's reserved room included.
   std::function<void(std::span<std::byte> value)> corrupt;
 

@@ -1,5 +1,6 @@
 // The loop command's passes and pauses, with waiting that takes no time.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "shell/command_reader.h"
 #include "tests/support/fake_waiting.h"
@@ -97,6 +98,19 @@ TEST_F(Loop, TheEndOfInputDoesNotEndTheDiscarding) {
   EXPECT_EQ(run("loop readRx 4 0 3").status, CMD_OK);
   EXPECT_EQ(waits, (Calls{"select 0 2.000000", "sleep 1", "sleep 1", "sleep 1", "sleep 1", "sleep 1"}));
   EXPECT_EQ(input.rest(), "next");
+}
+
+TEST_F(Loop, WhatIsPrintedIsVisibleBeforeEachWait) {
+  // Standard output is a file while it is captured, so only what was flushed counts there.
+  recording::onSleep = [] { EXPECT_NE(lseek(STDOUT_FILENO, 0, SEEK_CUR), 0); };
+  EXPECT_EQ(run("loop readRx 4 0 3").status, CMD_OK);
+  interactive = true;
+  TypedInput input("\n");
+  recording::selectResult = [] {
+    EXPECT_NE(lseek(STDOUT_FILENO, 0, SEEK_CUR), 0);
+    return 1;
+  };
+  EXPECT_EQ(run("loop readRx 4 0 3").status, CMD_OK);
 }
 
 TEST_F(Loop, ExitEndsTheLoopAndItsStream) {
