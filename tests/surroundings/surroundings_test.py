@@ -179,7 +179,9 @@ class BehindAPipe(unittest.TestCase):
                 process.stdin.close()
                 seen = b""
                 while b"That is 1 passes." not in seen:
-                    seen += os.read(process.stdout.fileno(), 65536)
+                    chunk = os.read(process.stdout.fileno(), 65536)
+                    self.assertTrue(chunk, seen)
+                    seen += chunk
                 before = cpu_seconds(process.pid)
                 with self.assertRaises(subprocess.TimeoutExpired):
                     process.wait(timeout=3)

@@ -1,0 +1,189 @@
+#!/usr/bin/env python3
+"""The manual and the word list against the binary that they describe.
+
+SERDES is the binary, TEXTS the folder of the built manuals and words, COMMAND_TEXTS the program that made them and
+SOURCE the source tree.
+"""
+import os
+import re
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+SERDES = os.environ["SERDES"]
+TEXTS = Path(os.environ["TEXTS"])
+COMMAND_TEXTS = os.environ["COMMAND_TEXTS"]
+SOURCE = Path(os.environ["SOURCE"])
+MANUAL_SOURCE = SOURCE / "packaging/manual"
+LIMIT_SECONDS = 30
+
+MANUAL = (TEXTS / "serdes.8").read_text(encoding="ascii")
+FAILURES = ("command", "too few", "too many", "unknown", "invalid", "error during")
+
+
+def run_commands(*lines):
+    """What the commands print, after the start."""
+    done = subprocess.run([SERDES, "/dev/stdin"], input="".join(line + "\n" for line in lines), text=True,
+                          capture_output=True, timeout=LIMIT_SECONDS, check=True,
+                          env={"PATH": os.environ["PATH"], "LC_ALL": "C", "SERDES_SIMULATOR_CLOCK": "virtual"})
+    return re.split(r"current asicNum:.*\n\n", done.stdout, maxsplit=1)[1]
+
+
+def section(name):
+    return re.search(rf"^\.Sh {name}\n(.*?)(?=^\.Sh |\Z)", MANUAL, re.MULTILINE | re.DOTALL).group(1)
+
+
+def plain(line):
+    return line.replace("\\&", "").replace("\\-", "-").replace("\\e", "\\")
+
+
+class Command:
+    def __init__(self, text):
+        title, self.text = text.split("\n", 1)
+        self.name, _, arguments = plain(title).removeprefix(".It Ic ").partition(" ")
+        self.words = 1 + len([word for word in arguments.split(" Op ")[0].split() if word != "Ar"])
+        self.shortcut = plain(re.match(r"Shortcut\n\.Ic (\S+) ;\n", self.text).group(1))
+        least, most = re.search(r"^(?:(\d+) to )?(\d+) words?[.;]", self.text, re.MULTILINE).groups()
+        self.least, self.most = int(least or most), int(most)
+        shown = re.search(r"^\.Bd -ragged.*?\n(.*?)^\.Ed$", self.text, re.MULTILINE | re.DOTALL).group(1)
+        self.help = [plain(line) for line in shown.splitlines() if line != ".br"]
+
+
+def manual_commands():
+    return [Command(text) for text in re.split(r"^(?=\.It Ic )", section("COMMANDS"), flags=re.MULTILINE)[1:]]
+
+
+def listed_commands():
+    """Name and shortcut of each row of the command list."""
+    rows = run_commands("help").split("=" * 20 + " \n")[-1].split("\nNOTES:")[0].splitlines()
+    return [(row[:20].strip(), row[72:].strip()) for row in rows if not row.startswith(("command ", "="))]
+
+
+class Commands(unittest.TestCase):
+    def test_every_listed_command_is_described_in_the_order_of_the_list(self):
+        listed = listed_commands()
+        self.assertEqual(len(listed), 46)
+        self.assertEqual([(command.name, command.shortcut) for command in manual_commands()], listed)
+
+    def test_shown_help_is_what_the_command_prints_by_either_name(self):
+        for command in manual_commands():
+            for word in (command.name, command.shortcut):
+                with self.subTest(command=word):
+                    printed = [line.rstrip() for line in run_commands(f"{word} ?").splitlines()]
+                    self.assertEqual([line for line in printed if line], command.help)
+
+    def test_word_bounds_are_those_that_are_checked(self):
+        def status(command, words):
+            return run_commands(" ".join([command.name] + ["x"] * (words - 1))).splitlines()[0]
+
+        for command in manual_commands():
+            with self.subTest(command=command.name):
+                self.assertEqual(status(command, command.most + 1), "too many command args")
+                if command.least > 1:
+                    self.assertEqual(status(command, command.least - 1), "too few command args")
+                    self.assertNotEqual(status(command, command.least), "too few command args")
+
+    def test_synopses_have_as_many_words_as_the_bounds_allow(self):
+        for command in manual_commands():
+            with self.subTest(command=command.name):
+                self.assertLessEqual(command.least, command.words)
+                self.assertLessEqual(command.words, command.most)
+
+
+class Limits(unittest.TestCase):
+    def test_line_length(self):
+        length = int(re.search(r"A line has at most (\d+) characters", MANUAL).group(1))
+        self.assertEqual(run_commands("#" * length), "\n\n\n\n")
+        self.assertEqual(run_commands("#" * (length + 1)), "command too long\n\n\n\n")
+
+    def test_number_of_words(self):
+        words = int(re.search(r"A line has at most (\d+) words", MANUAL).group(1))
+        self.assertNotIn("too many", run_commands("showRate " + "0 " * (words - 1)))
+        self.assertIn("too many command args", run_commands("showRate " + "0 " * words))
+
+
+class Examples(unittest.TestCase):
+    def blocks(self):
+        return re.findall(r"^\.Bd -literal.*?\n(.*?)^\.Ed$", section("EXAMPLES"), re.MULTILINE | re.DOTALL)
+
+    def test_every_example_runs_without_a_complaint(self):
+        blocks = self.blocks()
+        self.assertEqual(len(blocks), 2)
+        for block in blocks:
+            # A loop would take its time: what it repeats is enough.
+            lines = [plain(line).removeprefix("serdes: ").removeprefix("loop ") for line in block.splitlines()]
+            printed = run_commands(*lines)
+            self.assertIn("=====", printed)
+            self.assertFalse([line for line in printed.splitlines() if line.startswith(FAILURES) or "serdes err" in line])
+
+
+class Words(unittest.TestCase):
+    def test_every_command_word_can_be_completed(self):
+        words = (TEXTS / "words").read_text(encoding="ascii").splitlines()
+        self.assertEqual(words, sorted(set(words)))
+        self.assertLessEqual({word for row in listed_commands() for word in row} - {"?"}, set(words))
+        self.assertLessEqual({"gl", "all", "8G", "AUTO", "FFE3", "36ps", "DFE5", "NONE", "asic"}, set(words))
+
+    def test_words_that_are_only_printed_are_not_offered(self):
+        words = (TEXTS / "words").read_text(encoding="ascii").splitlines()
+        self.assertFalse({"INV", "UNK", "FFENone"} & set(words))
+
+
+class Simulator(unittest.TestCase):
+    def test_every_error_code_is_explained(self):
+        codes = re.findall(r"= (-\d+)", (SOURCE / "simulator/error_codes.h").read_text(encoding="ascii"))
+        page = (TEXTS / "serdes-simulator.7").read_text(encoding="ascii")
+        self.assertEqual(re.findall(r"^\.It \\(-\d+)\n[^.\n]", page, re.MULTILINE), codes)
+        self.assertGreater(len(codes), 5)
+
+    def test_every_variable_is_explained(self):
+        sources = "".join(path.read_text(encoding="utf-8") for path in (SOURCE / "simulator").glob("*.cc"))
+        page = (TEXTS / "serdes-simulator.7").read_text(encoding="ascii")
+        self.assertEqual(set(re.findall(r"^\.It Ev (\w+)", page, re.MULTILINE)),
+                         set(re.findall(r'"(SERDES_SIMULATOR_\w+)"', sources)))
+
+
+class Drift(unittest.TestCase):
+    """What stands in the table and not in the hand-written files, or the other way about, stops the build."""
+
+    def make(self, commands=None, statuses=None):
+        with tempfile.TemporaryDirectory() as folder:
+            arguments = [COMMAND_TEXTS, "manual", MANUAL_SOURCE / "serdes.8.in"]
+            for name, text in (("commands.mdoc", commands), ("statuses.mdoc", statuses)):
+                file = Path(folder) / name
+                file.write_text(text or (MANUAL_SOURCE / name).read_text(encoding="ascii"), encoding="ascii")
+                arguments.append(file)
+            done = subprocess.run([*arguments, "VERSION=0", "DATADIR=/"], capture_output=True, text=True, check=False,
+                                  timeout=LIMIT_SECONDS)
+        return done.returncode, done.stderr.rpartition("/")[2]
+
+    def commands(self):
+        return (MANUAL_SOURCE / "commands.mdoc").read_text(encoding="ascii")
+
+    def test_files_as_they_are_make_a_manual(self):
+        self.assertEqual(self.make(), (0, ""))
+
+    def test_command_without_entry(self):
+        without = re.sub(r"^% setSlew .*?(?=^% )", "", self.commands(), flags=re.MULTILINE | re.DOTALL)
+        self.assertEqual(self.make(commands=without), (1, 'commands.mdoc: no entry for "setSlew"\n'))
+
+    def test_entry_without_command(self):
+        self.assertEqual(self.make(commands=self.commands() + "% setMood | Ar mood\nSets it.\n"),
+                         (1, 'commands.mdoc: nothing is called "setMood"\n'))
+
+    def test_entry_without_text(self):
+        bare = re.sub(r"(^% setSlew .*?\n).*?(?=^% )", r"\1", self.commands(), flags=re.MULTILINE | re.DOTALL)
+        self.assertEqual(self.make(commands=bare), (1, 'commands.mdoc: the entry for "setSlew" is empty\n'))
+
+    def test_two_entries_for_a_command(self):
+        self.assertEqual(self.make(commands=self.commands() + "% help\nAgain.\n"),
+                         (1, 'commands.mdoc: two entries for "help"\n'))
+
+    def test_status_without_entry(self):
+        self.assertEqual(self.make(statuses="% command too long\nIs too long.\n"),
+                         (1, 'statuses.mdoc: no entry for "too few command args"\n'))
+
+
+if __name__ == "__main__":
+    unittest.main()
