@@ -128,6 +128,20 @@ TEST_F(ShowPLL, AnswersToItsShortcut) {
                                    {"ReadSerDesPLLRegister(0, 4, 0, 3)", "ToString(4)"}));
 }
 
+TEST_F(ShowPLL, LowestAndHighestTypeHaveTables) {
+  platform.portCount = 0;
+  platform.coreCount = 2;
+  platform.cores[0].type = 6;
+  platform.cores[1].type = 0;
+  platform.cores[0].pllRegisters = platform.cores[1].pllRegisters = 1;
+  discover();
+  EXPECT_EQ(run("showPLL 0 1").out,
+            "                    core \nTYPE-0              1    \n=================== ==== \n"
+            "PLL register 0x00   0100 \n\n"
+            "                    core \nTYPE-6              0    \n=================== ==== \n"
+            "PLL register 0x00   0000 \n\n");
+}
+
 TEST_F(ShowPLL, TwoTypesGiveTwoTablesTheLowerTypeFirst) {
   platform.ports[0].rx.type = platform.ports[0].tx.type = 6;
   platform.ports[0].rx.core = platform.ports[0].tx.core = 0;
