@@ -31,7 +31,12 @@ std::uint32_t RandomNumbers::below(std::uint32_t bound) {
 }
 
 Faults::Faults(std::vector<FaultDescription> descriptions, std::uint32_t seed)
-    : descriptions_(std::move(descriptions)), states_(descriptions_.size()), random_(seed) {}
+    : descriptions_(std::move(descriptions)), states_(descriptions_.size()), random_(seed) {
+  // The first numbers of a small seed are small, and every rare fault would strike at once.
+  constexpr int kLeftOut = 8;
+  for (int i = 0; i < kLeftOut; ++i)
+    (void)random_.next();
+}
 
 const FaultDescription* Faults::onCall(const CallSite& call) {
   const FaultDescription* hit = nullptr;

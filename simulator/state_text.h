@@ -1,5 +1,5 @@
 // The text of a state file: TOML with a head that names its format and its switch, the records that differ from those
-// the switch starts with, and a last line from which damage shows. docs/switch-state.md explains it.
+// the switch starts with, and a last line from which damage shows. docs/simulated-switch.md explains it.
 #pragma once
 
 #include <cstdint>

@@ -11,7 +11,8 @@ and what is expected:
   calls        platform calls as traced, start-up and close left out (absent: not compared)
   all_calls    the same with start-up and close (absent: not compared)
 and, where it differs from the default switch:
-  switch.toml  the switch's description
+  switch.toml  the switch's description, or
+  switch       the name of a shipped one, without .toml
   args         the words after `serdes`, one a line, instead of `script`
   env          NAME=VALUE a line, more environment
 Time is virtual, so that runs repeat exactly. Cases run in a copy of their folder.
@@ -25,6 +26,7 @@ import sys
 import tempfile
 
 HERE = pathlib.Path(__file__).resolve().parent
+SHIPPED = HERE.parent.parent / "simulator" / "switches"
 TIMEOUT_SECONDS = 120
 
 
@@ -54,6 +56,8 @@ def run_case(serdes, case, work):
     env.pop("SERDES_SIMULATOR_STATE", None)
     if (work / "switch.toml").exists():
         env["SERDES_SIMULATOR_SWITCH"] = "switch.toml"
+    if (work / "switch").exists():
+        env["SERDES_SIMULATOR_SWITCH"] = str(SHIPPED / f"{(work / 'switch').read_text().strip()}.toml")
     for line in (read(work / "env") or b"").decode().splitlines():
         name, _, value = line.partition("=")
         env[name] = value

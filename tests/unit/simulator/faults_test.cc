@@ -36,6 +36,16 @@ TEST(RandomNumbers, AreSpreadOverTheWholeRange) {
   }
 }
 
+TEST(Faults, ThatAreRareAreRareFromTheFirstCallOn) {
+  int early = 0;
+  for (std::uint32_t seed = 0; seed < 1000; ++seed) {
+    Faults faults({{.where = ffeOf(3), .probability = kCertain / 100}}, seed);
+    early += struck(faults, ffeOf(3), 1).empty() ? 0 : 1;
+  }
+  EXPECT_LT(early, 30);
+  EXPECT_GT(early, 1);
+}
+
 TEST(Faults, StrikeOnceUnlessTheyAreForEver) {
   Faults once({{.where = ffeOf(3)}}, 1);
   EXPECT_EQ(struck(once, ffeOf(3), 5), (std::vector{1}));

@@ -111,6 +111,25 @@ TEST_F(Platform, FaultsFindEveryOperation) {
   }
 }
 
+TEST_F(Platform, FaultsFindEveryOperationByAllThatItNames) {
+  std::string faults;
+  for (const OperationInfo& info : allOperations()) {
+    if (opensOrCloses(info.operation)) continue;
+    faults += "[[faults]]\noperation = \"" + std::string(info.name) + "\"\n";
+    const Addressed named = addressedBy(info.operation);
+    if (named.asic) faults += "asic = 0\n";
+    if (named.port) faults += "port = 0\n";
+    if (named.link) faults += "link = 0\n";
+    if (named.core) faults += "core = 0\n";
+  }
+  open(kSmall + faults);
+  for (const OperationInfo& info : allOperations()) {
+    if (opensOrCloses(info.operation)) continue;
+    const int expected = info.operation == Operation::kToString ? -1000 : kInjectedFault;
+    EXPECT_EQ(call(info.operation, good(info.operation)), expected) << info.name;
+  }
+}
+
 TEST_F(Platform, FaultsOnOpeningAndClosingStrikeOnceToo) {
   describe(kSmall + R"([[faults]]
 operation = "AsicCtlOpen"
