@@ -1,0 +1,5 @@
+#include "chassis.h"
+
+int settle(int result) {
+  return result;
+}

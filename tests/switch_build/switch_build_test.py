@@ -1,0 +1,104 @@
+#!/usr/bin/env python3
+"""The build for a switch, against folders of libraries as switches have them.
+
+It is configured as one does it by hand, in BUILD_FOLDER, which is kept from run to run. CMAKE, SOURCE_FOLDER, READELF,
+BUILD_OPTIONS (a line each), EMULATOR (for a cross build), FOREIGN_PLATFORM and SIMULATOR (folders of libraries) come
+from the build that the test belongs to.
+"""
+import os
+import pathlib
+import re
+import shlex
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+CMAKE, SOURCES, BUILD = os.environ["CMAKE"], os.environ["SOURCE_FOLDER"], pathlib.Path(os.environ["BUILD_FOLDER"])
+BUILD_OPTIONS = os.environ["BUILD_OPTIONS"].splitlines()
+EMULATOR = shlex.split(os.environ.get("EMULATOR", ""))
+FOREIGN, SIMULATOR = pathlib.Path(os.environ["FOREIGN_PLATFORM"]), pathlib.Path(os.environ["SIMULATOR"])
+FOREIGN_CASE = pathlib.Path(SOURCES, "tests", "foreign_platform")
+PLATFORM = ["libasicApi.so", "libswbApi.so", "libswServerApi.so"]
+LIMIT_SECONDS = 300
+
+
+def configure(libraries, build=BUILD):
+    return subprocess.run([CMAKE, "-S", SOURCES, "-B", build, *BUILD_OPTIONS,
+                           "-DSERDES_PLATFORM=switch", f"-DSERDES_PLATFORM_DIR={libraries}"],
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=LIMIT_SECONDS,
+                          check=False)
+
+
+def run(libraries, script):
+    env = dict(os.environ, LC_ALL="C", LD_BIND_NOW="1", LD_LIBRARY_PATH=str(libraries), SERDES_SIMULATOR_CLOCK="virtual")
+    for name in ("SERDES_SIMULATOR_SWITCH", "SERDES_SIMULATOR_STATE"):
+        env.pop(name, None)
+    return subprocess.run([*EMULATOR, BUILD / "serdes", script], env=env, stdin=subprocess.DEVNULL,
+                          capture_output=True, timeout=LIMIT_SECONDS, check=False)
+
+
+class SwitchBuild(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.libraries = pathlib.Path(folder.name)
+
+    def copy_from(self, folder):
+        """Copies the three libraries, and what they need besides stays behind."""
+        for name in PLATFORM:
+            shutil.copy(folder / name, self.libraries)
+
+    def build(self):
+        done = configure(self.libraries)
+        self.assertEqual(done.returncode, 0, done.stdout)
+        done = subprocess.run([CMAKE, "--build", BUILD, "--target", "serdes"], stdout=subprocess.PIPE,
+                              stderr=subprocess.STDOUT, text=True, timeout=LIMIT_SECONDS, check=False)
+        self.assertEqual(done.returncode, 0, done.stdout)
+
+    def check_dynamic_section(self):
+        """The binary needs the platform by its plain names and the C library, and brings no search path."""
+        dynamic = subprocess.run([os.environ["READELF"], "-d", BUILD / "serdes"], stdout=subprocess.PIPE, text=True,
+                                 timeout=LIMIT_SECONDS, check=True).stdout
+        needed = re.findall(r"\(NEEDED\).*\[(.*)\]", dynamic)
+        self.assertEqual(needed[:3], PLATFORM)
+        sanitizers = any(re.match("-DSERDES_SANITIZERS=.", option) for option in BUILD_OPTIONS)
+        if not sanitizers:
+            self.assertLessEqual({re.sub(r"\.so.*", "", name) for name in needed[3:]}, {"libm", "libc"})
+        self.assertNotRegex(dynamic, r"\((RUNPATH|RPATH)\)")
+
+    def check_foreign_platform(self):
+        done = run(FOREIGN, FOREIGN_CASE / "script")
+        self.assertEqual((done.stderr, done.returncode), (b"", 0))
+        self.assertEqual(done.stdout, (FOREIGN_CASE / "out").read_bytes())
+
+    def test_libraries_without_sonames_that_need_a_library_that_is_not_there(self):
+        self.copy_from(FOREIGN)
+        self.build()
+        self.check_dynamic_section()
+        self.check_foreign_platform()
+
+    def test_libraries_with_sonames_and_another_platform_at_run_time(self):
+        self.copy_from(SIMULATOR)
+        self.build()
+        self.check_dynamic_section()
+        done = run(self.libraries, os.devnull)
+        self.assertEqual((done.stderr, done.returncode), (b"", 0))
+        self.assertIn(b", portCount:24\n", done.stdout)
+        self.check_foreign_platform()
+
+    def test_a_folder_that_lacks_a_library_is_refused(self):
+        self.copy_from(FOREIGN)
+        (self.libraries / "libswbApi.so").unlink()
+        done = configure(self.libraries)
+        self.assertNotEqual(done.returncode, 0)
+        self.assertIn(f"{self.libraries} has no libswbApi.so", " ".join(done.stdout.split()))
+
+    def test_a_folder_that_does_not_exist_is_refused(self):
+        done = configure(self.libraries / "nowhere")
+        self.assertNotEqual(done.returncode, 0)
+        self.assertIn("SERDES_PLATFORM_DIR must name the folder", done.stdout)
+
+
+if __name__ == "__main__":
+    unittest.main()
