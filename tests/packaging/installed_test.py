@@ -111,7 +111,7 @@ class Installed(unittest.TestCase):
     def setUpClass(cls):
         install("serdes")
         install("serdes-simulator")
-        (ROOT / "root/work").mkdir()
+        (ROOT / "root/lab").mkdir()
 
     @classmethod
     def tearDownClass(cls):
@@ -160,7 +160,7 @@ class WithSimulator(Installed):
                 self.assertTrue(done.stdout.startswith(START))
 
     def test_the_switch_can_be_kept_from_run_to_run(self):
-        kept = {"SERDES_SIMULATOR_STATE": "/root/work/state"}
+        kept = {"SERDES_SIMULATOR_STATE": "/root/lab/state"}
         check("serdes", "/dev/stdin", stdin="writePLL 1 7 0x1234\n", **kept)
         self.assertIn("= 0x1234 \n", check("serdes", "/dev/stdin", stdin="readPLL 1 7\n", **kept))
         self.assertNotIn("= 0x1234 \n", check("serdes", "/dev/stdin", stdin="readPLL 1 7\n"))
@@ -185,9 +185,9 @@ class WithSimulator(Installed):
         self.assertEqual(loaded_libraries(), [f"/{simulator_folder().relative_to(ROOT)}/{name}" for name in LIBRARIES])
 
     def test_the_environment_goes_before_the_simulated_switch(self):
-        shutil.copytree(simulator_folder(), ROOT / "root/work/platform")
-        self.assertEqual(loaded_libraries(LD_LIBRARY_PATH="/root/work/platform"),
-                         [f"/root/work/platform/{name}" for name in LIBRARIES])
+        shutil.copytree(simulator_folder(), ROOT / "root/lab/platform")
+        self.assertEqual(loaded_libraries(LD_LIBRARY_PATH="/root/lab/platform"),
+                         [f"/root/lab/platform/{name}" for name in LIBRARIES])
 
 
 class Prompt(Installed):
@@ -250,14 +250,14 @@ class Prompt(Installed):
             terminal.wait_for(f"{PROMPT} readPLL 1 7")
 
     def test_a_platform_that_is_missing_is_reported_and_ends_it(self):
-        shutil.move(simulator_folder(), ROOT / "root/work/moved")
+        shutil.move(simulator_folder(), ROOT / "root/lab/moved")
         try:
             with Terminal(ROOT, [self.COMMAND], ENVIRONMENT) as terminal:
                 self.assertEqual(terminal.exit_status(), 127)
                 self.assertIn("error while loading shared libraries", terminal.screen.text())
         finally:
             (folder,) = ROOT.glob("usr/lib/*-linux-gnu*")
-            shutil.move(ROOT / "root/work/moved", folder / "serdes-simulator")
+            shutil.move(ROOT / "root/lab/moved", folder / "serdes-simulator")
 
     def test_without_a_terminal_the_tool_runs_alone(self):
         done = run("serdes-prompt", stdin="bogus\n")
@@ -266,11 +266,11 @@ class Prompt(Installed):
 
     def test_without_the_line_editor_the_tool_runs_alone_and_that_is_said(self):
         editor = ROOT / "usr/bin/rlwrap"
-        editor.rename(ROOT / "root/work/rlwrap")
+        editor.rename(ROOT / "root/lab/rlwrap")
         try:
             done = run("serdes-prompt", "/dev/null")
         finally:
-            (ROOT / "root/work/rlwrap").rename(editor)
+            (ROOT / "root/lab/rlwrap").rename(editor)
         self.assertEqual(done.stderr, "serdes-prompt: rlwrap is not installed: lines cannot be edited\n")
         self.assertTrue(done.stdout.startswith(START))
         self.assertEqual(done.returncode, 0)
@@ -282,7 +282,7 @@ class Completion(Installed):
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        work = ROOT / "root/work"
+        work = ROOT / "root/lab"
         (IMAGES / "golden").mkdir(parents=True)
         for file in (work / "tune.serdes", work / "both.serdes", work / "with blank.serdes", IMAGES / "factory.serdes",
                      IMAGES / "both.serdes", IMAGES / "golden/lab.serdes"):
@@ -296,7 +296,7 @@ class Completion(Installed):
     def completed(self, typed, pattern):
         """Types a line with tabs into a shell; the line must come to match the pattern and nothing more."""
         with Terminal(ROOT, ["/bin/bash", "--noprofile", "--norc", "-i"], dict(ENVIRONMENT, HISTFILE=""),
-                      "/root/work") as terminal:
+                      "/root/lab") as terminal:
             terminal.type("PS1='%'; . /usr/share/bash-completion/completions/serdes\r")
             terminal.wait_for("\n%")
             # What follows the tab shows where it left the line.
@@ -317,7 +317,7 @@ class Completion(Installed):
         self.completed("serdes b\t", r"\n%serdes both.serdes \|")
 
     def test_a_path_from_the_root_is_taken_as_it_is(self):
-        self.completed("serdes /root/work/tu\t", r"\n%serdes /root/work/tune.serdes \|")
+        self.completed("serdes /root/lab/tu\t", r"\n%serdes /root/lab/tune.serdes \|")
         self.completed("serdes /fa\t", r"\n%serdes /fa\|")
 
     def test_a_name_with_a_blank(self):
@@ -332,7 +332,7 @@ class Completion(Installed):
 
     def test_the_prompt_with_line_editing_completes_them_too(self):
         with Terminal(ROOT, ["/bin/bash", "--noprofile", "--norc", "-i"], dict(ENVIRONMENT, HISTFILE=""),
-                      "/root/work") as terminal:
+                      "/root/lab") as terminal:
             terminal.type("PS1='%'; . /usr/share/bash-completion/completions/serdes-prompt\r")
             terminal.wait_for("\n%")
             terminal.type("serdes-prompt fa\t|")
