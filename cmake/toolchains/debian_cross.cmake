@@ -6,4 +6,11 @@ set(CMAKE_FIND_ROOT_PATH /usr/${triplet})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(CMAKE_CROSSCOMPILING_EMULATOR ${emulator} -L /usr/${triplet})
+
+# The emulator shows a program the files of this folder before the machine's own: the target's libraries, and no cache of
+# the machine's, where it may have such libraries too. The loader of one C library with the rest of another hangs in fork.
+set(shown_to_programs ${CMAKE_BINARY_DIR}/shown_to_programs)
+file(MAKE_DIRECTORY ${shown_to_programs}/etc)
+file(TOUCH ${shown_to_programs}/etc/ld.so.cache)
+file(CREATE_LINK /usr/${triplet}/lib ${shown_to_programs}/lib SYMBOLIC)
+set(CMAKE_CROSSCOMPILING_EMULATOR ${emulator} -L ${shown_to_programs})

@@ -5,18 +5,22 @@ The binary's path is in SERDES. Nothing here waits for a fixed time: everything 
 process, with a limit that only a failure reaches.
 """
 import contextlib
+import fcntl
 import os
 import pty
 import select
 import signal
+import struct
 import subprocess
 import tempfile
+import termios
 import time
 import unittest
 
 SERDES = os.path.abspath(os.environ["SERDES"])
 LIMIT_SECONDS = 30
 PROMPT = b"serdes: "
+PIPE_BYTES = 16384
 START = b"switchHwConfig.NumSlots:"
 
 
@@ -139,9 +143,7 @@ class AtATerminal(unittest.TestCase):
     def test_stop_and_continue_leave_the_prompt_working(self):
         with Terminal() as terminal:
             terminal.read_to(PROMPT)
-            os.kill(terminal.pid, signal.SIGSTOP)
-            os.waitpid(terminal.pid, os.WUNTRACED)
-            os.kill(terminal.pid, signal.SIGCONT)
+            stop_and_continue(terminal.pid)
             terminal.type(b"bogus\n")
             self.assertIn(b"unknown command\n\nserdes: ", terminal.read_to(PROMPT))
 
@@ -150,6 +152,47 @@ class AtATerminal(unittest.TestCase):
             terminal.read_to(PROMPT)
             terminal.type(b"\x03")
             self.assertEqual(terminal.exit_status(), -signal.SIGINT)
+
+
+class SignalsInLoop(unittest.TestCase):
+    def setUp(self):
+        self.terminal = Terminal()
+        self.addCleanup(self.terminal.__exit__)
+        self.terminal.read_to(PROMPT)
+        self.terminal.type(b"loop readRx 4 0 3\n")
+        self.terminal.read_to(b"That is 1 passes. To stop looping, enter <cr>.\r\n")
+
+    def check_it_goes_on(self):
+        self.terminal.read_to(b"That is 2 passes. To stop looping, enter <cr>.\r\n")
+        self.terminal.type(b"\n")
+        self.assertEqual(self.terminal.read_to(PROMPT), b"\n\n\nserdes: ")
+
+    def test_control_c_ends_the_process(self):
+        self.terminal.type(b"\x03")
+        self.assertEqual(self.terminal.exit_status(), -signal.SIGINT)
+
+    def test_termination_ends_the_process(self):
+        os.kill(self.terminal.pid, signal.SIGTERM)
+        self.assertEqual(self.terminal.exit_status(), -signal.SIGTERM)
+
+    def test_stop_and_continue_leave_it_looping_until_a_line_comes(self):
+        stop_and_continue(self.terminal.pid)
+        self.check_it_goes_on()
+
+    def test_a_new_window_size_leaves_it_looping_until_a_line_comes(self):
+        fcntl.ioctl(self.terminal.fd, termios.TIOCSWINSZ, struct.pack("HHHH", 50, 100, 0, 0))
+        self.check_it_goes_on()
+
+    def test_a_terminal_that_goes_away_ends_the_process(self):
+        os.close(self.terminal.fd)
+        self.terminal.fd = os.open(os.devnull, os.O_RDONLY)
+        self.assertEqual(self.terminal.exit_status(), -signal.SIGHUP)
+
+
+def stop_and_continue(pid):
+    os.kill(pid, signal.SIGSTOP)
+    os.waitpid(pid, os.WUNTRACED)
+    os.kill(pid, signal.SIGCONT)
 
 
 def cpu_seconds(pid):
@@ -200,6 +243,66 @@ class BehindAPipe(unittest.TestCase):
                               timeout=LIMIT_SECONDS, check=False)
         self.assertTrue(done.stdout.endswith(b"\n\n\nserdes: \n\n"))
         self.assertEqual(done.returncode, 0)
+
+
+class InTheMiddleOfATable(unittest.TestCase):
+    """Tables that are longer than a pipe holds: the process waits in the middle of one for its reader."""
+
+    @contextlib.contextmanager
+    def waiting(self):
+        with tempfile.NamedTemporaryFile("w") as script:
+            script.write("showRx all\n" * 20)
+            script.flush()
+            command = [SERDES, script.name]
+            self.undisturbed = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, env=environment(),
+                                              timeout=LIMIT_SECONDS, check=True).stdout
+            with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, env=environment(),
+                                  pipesize=PIPE_BYTES) as process:
+                try:
+                    self.assertGreater(len(self.undisturbed), 4 * PIPE_BYTES)
+                    self.wait_until_full(process)
+                    yield process
+                finally:
+                    process.kill()
+
+    def wait_until_full(self, process):
+        end = time.monotonic() + LIMIT_SECONDS
+        while struct.unpack("i", fcntl.ioctl(process.stdout, termios.FIONREAD, bytes(4)))[0] < PIPE_BYTES - 4096:
+            self.assertLess(time.monotonic(), end, "the pipe does not fill")
+            self.assertIsNone(process.poll(), "the process has ended")
+            time.sleep(0.01)
+
+    def test_waiting_for_the_reader_uses_no_processor(self):
+        with self.waiting() as process:
+            before = cpu_seconds(process.pid)
+            with self.assertRaises(subprocess.TimeoutExpired):
+                process.wait(timeout=2)
+            self.assertLess(cpu_seconds(process.pid) - before, 0.1)
+
+    def test_stop_and_continue_lose_and_repeat_nothing(self):
+        with self.waiting() as process:
+            got = b""
+            for _ in range(4):
+                stop_and_continue(process.pid)
+                got += os.read(process.stdout.fileno(), PIPE_BYTES // 2)
+            got += process.stdout.read()
+            self.assertEqual(process.wait(timeout=LIMIT_SECONDS), 0)
+            self.assertEqual(got, self.undisturbed)
+
+    def test_interrupt_ends_the_process_at_once(self):
+        with self.waiting() as process:
+            process.send_signal(signal.SIGINT)
+            self.assertEqual(process.wait(timeout=LIMIT_SECONDS), -signal.SIGINT)
+            got = process.stdout.read()
+            self.assertTrue(got and self.undisturbed.startswith(got), got[-80:])
+
+    def test_control_c_at_a_terminal_ends_the_process(self):
+        with Terminal() as terminal:
+            terminal.read_to(PROMPT)
+            terminal.type(b"showRx all\n" * 20)  # more than a terminal holds unread
+            terminal.read_to(b"0x00")
+            terminal.type(b"\x03")
+            self.assertEqual(terminal.exit_status(), -signal.SIGINT)
 
 
 class LostOutput(unittest.TestCase):

@@ -72,11 +72,45 @@ TEST_F(Platform, NullPointersAreRefused) {
     EXPECT_EQ(call(info.operation, ask), kBadArgument) << info.name;
   }
   EXPECT_EQ(AsicControl::SetSerDesRxDFEState(0, 0, 0, nullptr), kBadArgument);
-  SerDesTxFFEMode mode{};
-  unsigned char k = 0;
-  signed char c = 0;
+}
+
+TEST_F(Platform, ASingleNullPointerIsRefusedAndNothingIsAnswered) {
+  open();
+  unsigned count = 77;
+  unsigned short first = 77;
+  auto type = static_cast<SerDesType>(77);
+  EXPECT_EQ(AsicControl::GetSerDesInfo(0, &count, nullptr), kBadArgument);
+  EXPECT_EQ(AsicControl::GetSerDesInfo(0, nullptr, &count), kBadArgument);
+  EXPECT_EQ(AsicControl::GetSerDesInfo(0, 0, nullptr, &type, &count, &count, &count, &count, &count), kBadArgument);
+  EXPECT_EQ(AsicControl::GetSerDesInfo(0, 0, &first, nullptr, &count, &count, &count, &count, &count), kBadArgument);
+  EXPECT_EQ(AsicControl::GetSerDesInfo(0, 0, &first, &type, &count, &count, &count, &count, nullptr), kBadArgument);
+  EXPECT_EQ(AsicControl::GetSerDesInfo(0, 0, SERDES_LINK_RX, nullptr, &type, &count), kBadArgument);
+  EXPECT_EQ(AsicControl::GetSerDesInfo(0, 0, SERDES_LINK_RX, &count, nullptr, &count), kBadArgument);
+  EXPECT_EQ(AsicControl::GetSerDesInfo(0, 0, SERDES_LINK_RX, &count, &type, nullptr), kBadArgument);
+  bool enable = true;
+  auto slew = static_cast<SerDesTxSlewRate>(77);
+  EXPECT_EQ(AsicControl::GetSerDesTxSlew(0, 0, 0, nullptr, &slew), kBadArgument);
+  EXPECT_EQ(AsicControl::GetSerDesTxSlew(0, 0, 0, &enable, nullptr), kBadArgument);
+  auto mode = static_cast<SerDesTxFFEMode>(77);
+  unsigned char k = 77;
+  signed char c = 77;
+  EXPECT_EQ(AsicControl::GetSerDesTxFFE(0, 0, 0, nullptr, &k, &c, &c, &c, &c), kBadArgument);
+  EXPECT_EQ(AsicControl::GetSerDesTxFFE(0, 0, 0, &mode, nullptr, &c, &c, &c, &c), kBadArgument);
+  EXPECT_EQ(AsicControl::GetSerDesTxFFE(0, 0, 0, &mode, &k, nullptr, &c, &c, &c), kBadArgument);
+  EXPECT_EQ(AsicControl::GetSerDesTxFFE(0, 0, 0, &mode, &k, &c, nullptr, &c, &c), kBadArgument);
+  EXPECT_EQ(AsicControl::GetSerDesTxFFE(0, 0, 0, &mode, &k, &c, &c, nullptr, &c), kBadArgument);
   EXPECT_EQ(AsicControl::GetSerDesTxFFE(0, 0, 0, &mode, &k, &c, &c, &c, nullptr), kBadArgument);
+  EXPECT_EQ(AsicControl::GetSerDesRxVGA(0, 0, 0, nullptr, &c, &c), kBadArgument);
   EXPECT_EQ(AsicControl::GetSerDesRxVGA(0, 0, 0, &c, nullptr, &c), kBadArgument);
+  EXPECT_EQ(AsicControl::GetSerDesRxVGA(0, 0, 0, &c, &c, nullptr), kBadArgument);
+  EXPECT_EQ(count, 77U);
+  EXPECT_EQ(first, 77);
+  EXPECT_EQ(static_cast<int>(type), 77);
+  EXPECT_TRUE(enable);
+  EXPECT_EQ(static_cast<int>(slew), 77);
+  EXPECT_EQ(static_cast<int>(mode), 77);
+  EXPECT_EQ(k, 77);
+  EXPECT_EQ(c, 77);
 }
 
 TEST_F(Platform, AbsurdArgumentsAreRefusedOrTakenAndNeverCrash) {

@@ -1,9 +1,11 @@
 // The file of a state: locks, whole writes, refusals; and the sessions that keep one.
 #include "simulator/state_file.h"
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -187,6 +189,63 @@ TEST_F(StateFiles, ThatCannotBeWrittenSaySoAndStayAsTheyAre) {
     EXPECT_EQ(std::string(error.what()).substr(0, path().size() + 20), path() + ": cannot be written:");
   }
   EXPECT_EQ(textOf(path()), before);
+}
+
+TEST_F(StateFiles, NamedByLinksInARingCannotBeRead) {
+  fs::create_symlink("state", path());
+  EXPECT_EQ(errorOf(path(), kBadState), path() + ": cannot be read: Too many levels of symbolic links");
+}
+
+TEST_F(StateFiles, MayHaveNamesWithoutAFolder) {
+  const fs::path before = fs::current_path();
+  fs::current_path(folder);
+  keepNow("state");
+  EXPECT_EQ(files(), std::vector<std::string>{"state"});
+  EXPECT_EQ(errorOf("state", kBadState), "no error");
+  fs::current_path(before);
+}
+
+// What hinders a save after the file was loaded.
+class HinderedSaves : public StateFiles {
+ protected:
+  HinderedSaves() : file(path()) {
+    file.load(sw);
+  }
+  std::string errorOfSave() const {
+    try {
+      file.save(sw);
+    } catch (const StateError& error) {
+      EXPECT_EQ(error.code(), kBadState);
+      return error.what();
+    }
+    return "no error";
+  }
+
+  StateFile file;
+};
+
+TEST_F(HinderedSaves, AFolderThatHasTakenTheName) {
+  fs::create_directory(path());
+  EXPECT_EQ(errorOfSave(), path() + ": cannot be written: Is a directory");
+  EXPECT_EQ(files(), std::vector<std::string>{"state"});
+}
+
+TEST_F(HinderedSaves, AFolderThatIsGone) {
+  fs::remove_all(folder);
+  EXPECT_EQ(errorOfSave(), path() + ": cannot be written: No such file or directory");
+}
+
+TEST_F(HinderedSaves, ADiskThatIsFullLeavesNothingHalfWritten) {
+  rlimit limit{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
+  const rlimit small = {.rlim_cur = 10, .rlim_max = limit.rlim_max};
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  const std::string error = errorOfSave();
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+  (void)std::signal(SIGXFSZ, handler);
+  EXPECT_EQ(error, path() + ": cannot be written: File too large");
+  EXPECT_EQ(files(), std::vector<std::string>{});
 }
 
 // Sessions as the tool has them.
