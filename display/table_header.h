@@ -10,7 +10,7 @@
 #include "topology/platform.h"
 #include "topology/serdes_topology.h"
 
-// 1 when the last header that listed the port could read its running rate.
+// 1 when the last header that listed the port found it running or set to a fixed rate.
 extern std::array<std::uint8_t, kMaxPorts> portRunning;
 
 // Room for a title that holds words as typed: no word is longer than a command line.

@@ -14,7 +14,7 @@ enum ErrorCode : int {
   kBadRegister = -7,       // no such register, or a run of registers that ends beyond the last one
   kReadOnlyRegister = -8,  // the register reports and cannot be written
   kOutOfRange = -9,        // a value beyond what the hardware takes
-  kNotSupported = -10,     // this SerDes does not have what is asked for
+  kNotSupported = -10,     // this SerDes, or this port for a speed, does not have what is asked for
   kBadArgument = -11,      // a null pointer
   kInjectedFault = -12,    // a fault of the description that names no code of its own
   kInternalError = -13,    // out of memory, or a mistake of the simulator
