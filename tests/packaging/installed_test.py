@@ -111,7 +111,7 @@ class Installed(unittest.TestCase):
     def setUpClass(cls):
         install("serdes")
         install("serdes-simulator")
-        (ROOT / "root/lab").mkdir()
+        (ROOT / "root/lab").mkdir(exist_ok=True)
 
     @classmethod
     def tearDownClass(cls):
