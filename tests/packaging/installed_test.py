@@ -111,11 +111,11 @@ class Installed(unittest.TestCase):
     def setUpClass(cls):
         install("serdes")
         install("serdes-simulator")
-        (ROOT / "root/lab").mkdir(exist_ok=True)
+        (ROOT / "root/lab").mkdir()
 
     @classmethod
     def tearDownClass(cls):
-        for name in ("work", ".serdes_history"):
+        for name in ("lab", ".serdes_history"):
             shutil.rmtree(ROOT / "root" / name, ignore_errors=True)
             (ROOT / "root" / name).unlink(missing_ok=True)
         remove("serdes-simulator")
