@@ -31,7 +31,7 @@ SwitchDescription describedSwitch() {
     const auto clock = parseClock(text);
     if (!clock) {
       throw DescriptionError(std::string(kClockVariable) + ": \"" + text +
-                             "\" is not monotonic, virtual or virtual:MICROSECONDS");
+                             "\" is not monotonic, virtual or virtual:MICROSECONDS (1 to 3600000000)");
     }
     description.clock = *clock;
   }

@@ -128,11 +128,12 @@ class WithSimulator(Installed):
         simulator = check("dpkg", "--listfiles", "serdes-simulator").splitlines()
         for path in ("/usr/bin/serdes", "/usr/bin/serdes-prompt", "/usr/share/man/man8/serdes.8.gz",
                      "/usr/share/man/man8/serdes-prompt.8.gz", "/usr/share/serdes/words",
-                     "/usr/share/bash-completion/completions/serdes", "/usr/share/doc/serdes/tutorial.md"):
+                     "/usr/share/bash-completion/completions/serdes"):
             self.assertIn(path, tool)
         self.assertIn("/usr/share/man/man7/serdes-simulator.7.gz", simulator)
         self.assertIn("/usr/share/serdes/switches/default.toml", simulator)
-        self.assertIn("/usr/share/doc/serdes-simulator/simulated-switch.md", simulator)
+        for page in ("simulated-switch.md", "switch-descriptions.md", "tutorial.md"):
+            self.assertIn(f"/usr/share/doc/serdes-simulator/{page}", simulator)
         self.assertTrue([path for path in tool if path.startswith("/usr/share/serdes/examples/")])
         self.assertTrue(set(LIBRARIES) <= {os.path.basename(path) for path in simulator})
         self.assertFalse([path for path in tool if path.endswith(".so")])
