@@ -178,10 +178,9 @@ TEST_F(Platform, AnUnknownClockFailsTheOpening) {
   (void)setenv(kClock, "sundial", 1);
   testing::internal::CaptureStderr();
   EXPECT_EQ(AsicControl::AsicCtlOpen(), kBadDescription);
-  EXPECT_EQ(
-      testing::internal::GetCapturedStderr(),
-      "simulated switch: SERDES_SIMULATOR_CLOCK: \"sundial\" is not monotonic, virtual or "
-      "virtual:MICROSECONDS (1 to 3600000000)\n");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "simulated switch: SERDES_SIMULATOR_CLOCK: \"sundial\" is not monotonic, virtual or "
+            "virtual:MICROSECONDS (1 to 3600000000)\n");
 }
 
 TEST_F(Platform, ATraceThatCannotBeWrittenFailsTheOpening) {
