@@ -132,7 +132,7 @@ class WithSimulator(Installed):
             self.assertIn(path, tool)
         self.assertIn("/usr/share/man/man7/serdes-simulator.7.gz", simulator)
         self.assertIn("/usr/share/serdes/switches/default.toml", simulator)
-        for page in ("simulated-switch.md", "switch-descriptions.md", "tutorial.md"):
+        for page in ("simulated-switch.md", "switch-descriptions.md", "link-model.md", "tutorial.md"):
             self.assertIn(f"/usr/share/doc/serdes-simulator/{page}", simulator)
         self.assertTrue([path for path in tool if path.startswith("/usr/share/serdes/examples/")])
         self.assertTrue(set(LIBRARIES) <= {os.path.basename(path) for path in simulator})
