@@ -1,6 +1,9 @@
 // Replays inputs through the fuzz target without a fuzzer: each argument is a file, or a folder of files.
+#include <unistd.h>
+
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -12,6 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 namespace {
 
 unsigned replayed = 0;
+bool isThrough = false;
 
 void replay(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
@@ -20,10 +24,17 @@ void replay(const std::filesystem::path& path) {
   ++replayed;
 }
 
+// exit(0) somewhere in the tool would pass for a whole replay.
+void failWhenCutShort() {
+  if (isThrough) return;
+  (void)std::fputs("The replay ended before its inputs did.\n", stderr);
+  _exit(3);
+}
+
 }  // namespace
 
 int main(int argc, char* argv[]) {
-  if (LLVMFuzzerInitialize(&argc, &argv) != 0) return 1;
+  if (std::atexit(failWhenCutShort) != 0 || LLVMFuzzerInitialize(&argc, &argv) != 0) return 1;
   for (int i = 1; i < argc; ++i) {
     if (!std::filesystem::is_directory(argv[i])) {
       replay(argv[i]);
@@ -32,6 +43,7 @@ int main(int argc, char* argv[]) {
     for (const auto& entry : std::filesystem::directory_iterator(argv[i]))
       replay(entry.path());
   }
+  isThrough = true;
   std::fprintf(stderr, "%u inputs replayed\n", replayed);
   return replayed == 0 ? 1 : 0;
 }
