@@ -1,4 +1,5 @@
-// Replays inputs through the fuzz target without a fuzzer: each argument is a file, or a folder of files.
+// Replays inputs through the fuzz target without a fuzzer: each argument is a file, or a folder of files, which
+// together have to reach every operation of the platform.
 #include <unistd.h>
 
 #include <cstdint>
@@ -7,14 +8,21 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
+#include <string>
 #include <vector>
+
+#include "tests/support/recording_platform.h"
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace {
 
+constexpr std::size_t kOperations = 37;
+
 unsigned replayed = 0;
+std::set<std::string> reached;
 bool isThrough = false;
 
 void replay(const std::filesystem::path& path) {
@@ -22,6 +30,8 @@ void replay(const std::filesystem::path& path) {
   const std::vector<char> bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
   (void)LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
   ++replayed;
+  for (const std::string& call : recording::platform.calls)
+    reached.insert(call.substr(0, call.find('(')));
 }
 
 // exit(0) somewhere in the tool would pass for a whole replay.
@@ -35,15 +45,18 @@ void failWhenCutShort() {
 
 int main(int argc, char* argv[]) {
   if (std::atexit(failWhenCutShort) != 0 || LLVMFuzzerInitialize(&argc, &argv) != 0) return 1;
+  bool isWhole = false;
   for (int i = 1; i < argc; ++i) {
     if (!std::filesystem::is_directory(argv[i])) {
       replay(argv[i]);
       continue;
     }
+    isWhole = true;
     for (const auto& entry : std::filesystem::directory_iterator(argv[i]))
       replay(entry.path());
   }
   isThrough = true;
+  std::fprintf(stderr, "%zu of %zu operations reached\n", reached.size(), kOperations);
   std::fprintf(stderr, "%u inputs replayed\n", replayed);
-  return replayed == 0 ? 1 : 0;
+  return replayed == 0 || (isWhole && reached.size() < kOperations) ? 1 : 0;
 }

@@ -7,6 +7,7 @@ process, with a limit that only a failure reaches.
 import contextlib
 import fcntl
 import os
+import pathlib
 import pty
 import select
 import signal
@@ -18,6 +19,7 @@ import time
 import unittest
 
 SERDES = os.path.abspath(os.environ["SERDES"])
+FAULTY = str(pathlib.Path(__file__).resolve().parents[2] / "simulator" / "switches" / "faulty.toml")  # does not close
 LIMIT_SECONDS = 30
 PROMPT = b"serdes: "
 PIPE_BYTES = 16384
@@ -25,10 +27,8 @@ START = b"switchHwConfig.NumSlots:"
 
 
 def environment(**more):
-    env = dict(os.environ, LC_ALL="C", SERDES_SIMULATOR_CLOCK="virtual", **more)
-    for name in ("SERDES_SIMULATOR_SWITCH", "SERDES_SIMULATOR_STATE", "SERDES"):
-        env.pop(name, None)
-    return env
+    env = {name: value for name, value in os.environ.items() if not name.startswith("SERDES")}
+    return dict(env, LC_ALL="C", SERDES_SIMULATOR_CLOCK="virtual", **more)
 
 
 class Terminal:
@@ -244,6 +244,13 @@ class BehindAPipe(unittest.TestCase):
         self.assertTrue(done.stdout.endswith(b"\n\n\nserdes: \n\n"))
         self.assertEqual(done.returncode, 0)
 
+    def test_closed_input_is_not_taken_by_a_file_of_the_platform(self):
+        with tempfile.TemporaryDirectory() as folder:
+            done = subprocess.run(["sh", "-c", 'exec "$0" <&-', SERDES], capture_output=True, check=False,
+                                  env=environment(SERDES_SIMULATOR_STATE=os.path.join(folder, "state")),
+                                  timeout=LIMIT_SECONDS)
+        self.assertEqual(done.stderr, b"Error reading commands: Bad file descriptor\n")
+
 
 class InTheMiddleOfATable(unittest.TestCase):
     """Tables that are longer than a pipe holds: the process waits in the middle of one for its reader."""
@@ -306,14 +313,14 @@ class InTheMiddleOfATable(unittest.TestCase):
 
 
 class LostOutput(unittest.TestCase):
-    def run_script(self, redirection, text):
+    def run_script(self, redirection, text, **more):
         """Runs a script under a shell redirection; gives the process, the script's text after it, and the calls."""
         with tempfile.TemporaryDirectory() as folder:
             script, trace = os.path.join(folder, "script"), os.path.join(folder, "trace")
             with open(script, "w", encoding="ascii") as file:
                 file.write(text)
             done = subprocess.run(["sh", "-c", f'exec "$0" "$1" {redirection}', SERDES, script], stdin=subprocess.DEVNULL,
-                                  capture_output=True, env=environment(SERDES_SIMULATOR_TRACE=trace),
+                                  capture_output=True, env=environment(SERDES_SIMULATOR_TRACE=trace, **more),
                                   timeout=LIMIT_SECONDS, check=False)
             with open(script, encoding="ascii") as file:
                 after = file.read()
@@ -334,6 +341,16 @@ class LostOutput(unittest.TestCase):
 
     def test_closed_descriptor_is_reported_once_and_the_commands_run_to_the_end(self):
         self.check_lost(">&-", b"Bad file descriptor")
+
+    def test_closed_error_output_is_not_taken_by_a_file_of_the_platform(self):
+        done, after, calls = self.run_script(">/dev/full 2>&-", "showConfig\n")
+        self.assertEqual((done.returncode, after), (1, "showConfig\n"))
+        for call in calls.splitlines():
+            self.assertRegex(call, r"^\w+\(.*\) (-> .*|= -?\d+)$")
+
+    def test_failure_to_close_goes_before_lost_output_in_the_exit_status(self):
+        done, _, _ = self.run_script(">/dev/full", "showConfig\n", SERDES_SIMULATOR_SWITCH=FAULTY)
+        self.assertEqual(done.returncode, 255)
 
     def test_a_reader_that_leaves_ends_the_process(self):
         command = f"yes showConfig | head -n 100000 | '{SERDES}' /dev/stdin | head -n 1 >/dev/null; echo ${{PIPESTATUS[2]}}"

@@ -353,6 +353,14 @@ TEST_F(Session, FailedAsicCloseStillClosesThePortsAndGivesTheExitStatus) {
   EXPECT_EQ(outcome.calls, kOpening + kDiscovery + kClosing);
 }
 
+TEST_F(Session, PositiveResultOfClosingIsNoFailure) {
+  platform.fail("AsicCtlClose", 9);
+  const ProcessOutcome outcome = scripts({script("only", "")});
+  EXPECT_EQ(outcome.result, 0);
+  EXPECT_EQ(outcome.out, kStart + kEnd);
+  EXPECT_EQ(outcome.calls, kOpening + kDiscovery + kClosing);
+}
+
 TEST_F(Session, FailedPortCloseGivesTheExitStatus) {
   platform.fail("PortCtlClose", -10);
   const ProcessOutcome outcome = prompt("exit\n");

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstring>
 
 #include "shell/command_table.h"
 #include "shell/session.h"
@@ -91,6 +92,12 @@ bool isAbsorbed(const Calls& calls, std::size_t failed) {
   return operation == "GetPortCfgSpeed" && failed > 0 && operationOf(calls[failed - 1]) == "GetPortInfo";
 }
 
+std::string topologyBytes() {
+  std::string bytes(sizeof serdesTopology, '\0');
+  std::memcpy(bytes.data(), &serdesTopology, sizeof serdesTopology);
+  return bytes;
+}
+
 class FaultSweep : public recording::ToolTest {
  protected:
   void startAfresh() {
@@ -98,10 +105,12 @@ class FaultSweep : public recording::ToolTest {
     discover();
   }
 
-  void checkFailure(const Command& command, const Outcome& faultless, std::size_t call, int code, bool forever) {
+  // Gives what was printed where the failure is absorbed, and nothing where it ends the command.
+  std::string checkFailure(const Command& command, const Outcome& faultless, std::size_t call, int code, bool forever) {
     SCOPED_TRACE(std::string(command.line) + ", call " + std::to_string(call + 1) + " " + faultless.calls[call] +
                  " gives " + std::to_string(code) + (forever ? " for ever" : " once"));
     startAfresh();
+    const std::string model = topologyBytes();
     platform.failCall(static_cast<unsigned>(call) + 1, code, forever);
     const Outcome outcome = run(command.line);
     if (isAbsorbed(faultless.calls, call)) {
@@ -122,7 +131,14 @@ class FaultSweep : public recording::ToolTest {
       }
     }
     platform.faults.clear();
-    EXPECT_EQ(run("showRate 0").status, CMD_OK);
+    if (std::string(command.handler) != "setAsicNumCmdHandler") {
+      EXPECT_EQ(topologyBytes(), model);
+    }
+    const Outcome again = run(command.line);
+    EXPECT_EQ(again.status, faultless.status);
+    EXPECT_EQ(again.out, faultless.out);
+    EXPECT_EQ(again.calls, faultless.calls);
+    return isAbsorbed(faultless.calls, call) ? outcome.out : "";
   }
 };
 
@@ -145,12 +161,37 @@ TEST_F(FaultSweep, EachCallOfEachCommandFailsWithOneErrorLineAndNoTable) {
     ASSERT_EQ(faultless.status, CMD_OK) << command.line;
     ASSERT_FALSE(faultless.calls.empty()) << command.line;
     for (std::size_t call = 0; call < faultless.calls.size(); ++call) {
-      for (const int code : {-1, INT_MIN}) {
-        checkFailure(command, faultless, call, code, false);
-        checkFailure(command, faultless, call, code, true);
+      for (const bool forever : {false, true}) {
+        const std::string out = checkFailure(command, faultless, call, -1, forever);
+        EXPECT_EQ(checkFailure(command, faultless, call, INT_MIN, forever), out) << command.line;
       }
     }
   }
+}
+
+TEST_F(FaultSweep, PositiveResultsAreNoFailures) {
+  for (const Command& command : kCommands) {
+    for (const int code : {1, INT_MAX}) {
+      SCOPED_TRACE(std::string(command.line) + " " + std::to_string(code));
+      startAfresh();
+      const Outcome faultless = run(command.line);
+      startAfresh();
+      platform.failCall(1, code, true);
+      const Outcome outcome = run(command.line);
+      EXPECT_EQ(outcome.status, CMD_OK);
+      EXPECT_EQ(outcome.out, faultless.out);
+      EXPECT_EQ(outcome.calls, faultless.calls);
+    }
+  }
+}
+
+TEST_F(FaultSweep, PositiveResultsAreNoFailuresOfStartUp) {
+  SetUp();
+  const std::string faultless = recording::printedBy([] { (void)openSerdes(0, nullptr); });
+  SetUp();
+  serdesTopology = {};
+  platform.failCall(1, 1, true);
+  EXPECT_EQ(recording::printedBy([] { EXPECT_EQ(openSerdes(0, nullptr), CMD_OK); }), faultless);
 }
 
 TEST_F(FaultSweep, EachCallOfStartUpFailsAndTheSessionStillRuns) {
