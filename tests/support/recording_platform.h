@@ -83,6 +83,8 @@ struct Platform {
 
   // Set: operations succeed without writing any of their values.
   bool silent = false;
+  // Set: calls for a port's state and configured speed that fail write them all the same.
+  bool answersThoughFailing = false;
   // Set: overwrites every value that an operation hands back, its record's reserved room included.
   std::function<void(std::span<std::byte> value)> corrupt;
 

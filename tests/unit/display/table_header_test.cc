@@ -2,6 +2,7 @@
 #include "display/table_header.h"
 
 #include <array>
+#include <climits>
 #include <functional>
 #include <string>
 
@@ -275,6 +276,17 @@ TEST_F(TableHeader, EveryQuestionMayFailAndTheHeaderIsStillWhole) {
                                               "media type           UNK  UNK  UNK  UNK  UNK\n"
                                               "=================== ==== ==== ==== ==== ==== \n",
                                               idleHeaderQuestions("100/0/0") + idleHeaderQuestions("106/0/6")));
+}
+
+TEST_F(TableHeader, AnswersOfQuestionsThatFailDoNotCount) {
+  for (const int code : {-1, INT_MIN}) {
+    platform.answersThoughFailing = true;
+    platform.failCall(1, code, true);
+    portRunning = {1};
+    (void)portHeader("dead", 0x1);
+    EXPECT_EQ(portRunning[0], 0) << code;
+    platform.faults.clear();
+  }
 }
 
 TEST_F(TableHeader, RunningFlagsOfOtherPortsStay) {
