@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/switch.h"
+#include "simulator/switch/switch.h"
 
 namespace {
 

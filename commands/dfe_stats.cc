@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <span>
 
+#include "arguments/port_lists.h"
 #include "commands/platform_walk.h"
-#include "commands/port_lists.h"
 #include "display/table_header.h"
 #include "topology/serdes_topology.h"
 

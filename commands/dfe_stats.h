@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "shell/cmd_status.h"
+#include "arguments/cmd_status.h"
 
 CmdStatus showDFEStatsCmdHandler(int wordCount, char* words[]);
 

@@ -4,9 +4,9 @@
 #include <array>
 #include <cstdio>
 
+#include "arguments/argument_parsers.h"
+#include "arguments/port_lists.h"
 #include "commands/platform_walk.h"
-#include "commands/port_lists.h"
-#include "shell/argument_parsers.h"
 #include "topology/serdes_topology.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // SerDes self-tests, and clearing of error counters.
 #pragma once
 
-#include "shell/cmd_status.h"
+#include "arguments/cmd_status.h"
 
 CmdStatus runTestCmdHandler(int wordCount, char* words[]);
 CmdStatus getTestCmdHandler(int wordCount, char* words[]);

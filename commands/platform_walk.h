@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdint>
 
-#include "shell/cmd_status.h"
+#include "arguments/cmd_status.h"
 #include "topology/serdes_topology.h"
 
 // Values kept per link of an ASIC.

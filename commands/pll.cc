@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdio>
 
-#include "shell/argument_parsers.h"
+#include "arguments/argument_parsers.h"
 #include "topology/serdes_topology.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // Common PLL registers of SerDes cores.
 #pragma once
 
-#include "shell/cmd_status.h"
+#include "arguments/cmd_status.h"
 
 CmdStatus showPLLRegistersCmdHandler(int wordCount, char* words[]);
 CmdStatus writePLLRegisterCmdHandler(int wordCount, char* words[]);

@@ -1,7 +1,7 @@
 // Port speed and transmit stream.
 #pragma once
 
-#include "shell/cmd_status.h"
+#include "arguments/cmd_status.h"
 
 CmdStatus setRateCmdHandler(int wordCount, char* words[]);
 CmdStatus setTxEnableCmdHandler(int wordCount, char* words[]);

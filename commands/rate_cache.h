@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "arguments/cmd_status.h"
 #include "commands/platform_walk.h"
 #include "display/table_header.h"
-#include "shell/cmd_status.h"
 #include "topology/serdes_topology.h"
 
 // Params is SerDesTxRateParams or SerDesRxRateParams throughout.

@@ -6,10 +6,10 @@
 #include <cstdio>
 #include <cstring>
 
+#include "arguments/argument_parsers.h"
+#include "arguments/port_lists.h"
 #include "commands/platform_walk.h"
-#include "commands/port_lists.h"
 #include "display/table_header.h"
-#include "shell/argument_parsers.h"
 #include "topology/serdes_topology.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // Link registers: single reads and writes, and dumps.
 #pragma once
 
-#include "shell/cmd_status.h"
+#include "arguments/cmd_status.h"
 
 CmdStatus readRxRegisterCmdHandler(int wordCount, char* words[]);
 CmdStatus readTxRegisterCmdHandler(int wordCount, char* words[]);

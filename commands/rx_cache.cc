@@ -6,10 +6,10 @@
 #include <cstdio>
 #include <optional>
 
-#include "commands/port_lists.h"
+#include "arguments/argument_parsers.h"
+#include "arguments/port_lists.h"
 #include "commands/rate_cache.h"
 #include "commands/rx_eq.h"
-#include "shell/argument_parsers.h"
 #include "topology/serdes_topology.h"
 
 CmdStatus showRxParamsCacheCmdHandler(int wordCount, char* words[]) {

@@ -1,7 +1,7 @@
 // The per-rate receive parameters that the platform applies when a port comes up at that rate.
 #pragma once
 
-#include "shell/cmd_status.h"
+#include "arguments/cmd_status.h"
 
 CmdStatus showRxParamsCacheCmdHandler(int wordCount, char* words[]);
 CmdStatus setRxParamsCacheCmdHandler(int wordCount, char* words[]);

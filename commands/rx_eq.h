@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "arguments/cmd_status.h"
 #include "commands/cells.h"
 #include "display/name_tables.h"
-#include "shell/cmd_status.h"
 #include "topology/serdes_topology.h"
 
 CmdStatus showRxParamsCmdHandler(int wordCount, char* words[]);

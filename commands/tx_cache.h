@@ -1,7 +1,7 @@
 // The per-rate transmit parameters that the platform applies when a port runs at that rate.
 #pragma once
 
-#include "shell/cmd_status.h"
+#include "arguments/cmd_status.h"
 
 CmdStatus showTxParamsCacheCmdHandler(int wordCount, char* words[]);
 CmdStatus setTxParamsCacheCmdHandler(int wordCount, char* words[]);

@@ -4,10 +4,10 @@
 #include <optional>
 #include <span>
 
+#include "arguments/argument_parsers.h"
+#include "arguments/port_lists.h"
 #include "commands/platform_walk.h"
-#include "commands/port_lists.h"
 #include "display/table_header.h"
-#include "shell/argument_parsers.h"
 
 namespace {
 

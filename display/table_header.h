@@ -7,7 +7,7 @@
 #include <array>
 #include <cstdint>
 
-#include "topology/platform.h"
+#include "platform/platform.h"
 #include "topology/serdes_topology.h"
 
 // 1 when the last header that listed the port found it running or set to a fixed rate.

@@ -7,6 +7,7 @@
 #include <cctype>
 #include <cstring>
 
+#include "arguments/argument_parsers.h"
 #include "shell/command_table.h"
 #include "shell/output.h"
 
@@ -84,6 +85,7 @@ CmdStatus dispatchCommand(int wordCount, char* words[]) {
     ++currentCommandIndex;
   }
   const CmdTableEntry& row = cmdTable[currentCommandIndex];
+  currentCommandSets = row.isSetCmd != 0;
   if (row.name == nullptr) return CMD_UNKNOWN;
   if (asksForHelp(wordCount, words)) {
     std::printf("\n%s\n", row.description);

@@ -4,12 +4,12 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "shell/cmd_status.h"
+#include "arguments/cmd_status.h"
 
 // The most words a command line may have, the command word included.
 inline constexpr int kMaxWords = 24;
 
-// The row of cmdTable whose command is being run; the port list parser reads its isSetCmd.
+// The row of cmdTable whose command is being run. With each change currentCommandSets follows its isSetCmd.
 extern std::uint32_t currentCommandIndex;
 
 // True in a session at the prompt, false while scripts run.

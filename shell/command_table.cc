@@ -5,18 +5,18 @@
 
 #include "commands/dfe_stats.h"
 #include "commands/diagnostics.h"
+#include "commands/discovery.h"
 #include "commands/pll.h"
 #include "commands/port_rate.h"
 #include "commands/registers.h"
 #include "commands/rx_cache.h"
 #include "commands/rx_eq.h"
+#include "commands/show_config.h"
 #include "commands/tx_cache.h"
 #include "commands/tx_eq.h"
 #include "shell/command_reader.h"
 #include "shell/help_and_loop.h"
 #include "shell/session.h"
-#include "topology/discovery.h"
-#include "topology/show_config.h"
 
 namespace {
 

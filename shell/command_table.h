@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "shell/cmd_status.h"
+#include "arguments/cmd_status.h"
 
 // Runs a command. Word 0 is the command word as typed; wordCount includes it. Handlers may change the words.
 using CmdHandler = CmdStatus (*)(int wordCount, char* words[]);

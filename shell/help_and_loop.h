@@ -1,7 +1,7 @@
 // The commands that work on the shell itself.
 #pragma once
 
-#include "shell/cmd_status.h"
+#include "arguments/cmd_status.h"
 
 // Prints the command list and the notes.
 CmdStatus helpCmdHandler(int wordCount, char* words[]);

@@ -4,11 +4,11 @@
 #include <array>
 #include <cstdio>
 
+#include "commands/discovery.h"
+#include "platform/platform.h"
 #include "shell/command_reader.h"
 #include "shell/help_and_loop.h"
 #include "shell/output.h"
-#include "topology/discovery.h"
-#include "topology/platform.h"
 #include "topology/serdes_topology.h"
 
 namespace {

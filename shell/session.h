@@ -1,7 +1,7 @@
 // A session of the utility from start to end.
 #pragma once
 
-#include "shell/cmd_status.h"
+#include "arguments/cmd_status.h"
 
 // Opens the platform, reads and prints the switch configuration and selects ASIC 0. Reports its own failures.
 CmdStatus openSerdes(int argc, char* argv[]);

@@ -4,5 +4,5 @@
 #define SIMULATOR_API __attribute__((visibility("default")))
 
 #pragma GCC visibility push(default)
-#include "topology/platform.h"
+#include "platform/platform.h"
 #pragma GCC visibility pop

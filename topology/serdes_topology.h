@@ -5,7 +5,7 @@
 #include <bit>
 #include <cstdint>
 
-#include "topology/platform.h"
+#include "platform/platform.h"
 
 // The model's capacity. A platform may report more; what lies beyond is counted but never walked.
 inline constexpr std::uint32_t kMaxPorts = 24;

@@ -13,11 +13,11 @@
 #include <string_view>
 #include <vector>
 
+#include "arguments/argument_parsers.h"
+#include "arguments/cmd_status.h"
 #include "commands/rx_eq.h"
 #include "commands/tx_eq.h"
 #include "display/name_tables.h"
-#include "shell/argument_parsers.h"
-#include "shell/cmd_status.h"
 #include "shell/command_reader.h"
 #include "shell/command_table.h"
 

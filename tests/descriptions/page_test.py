@@ -20,8 +20,8 @@ TABLES = "\n".join(line for line in PAGE.splitlines() if line.startswith("|"))
 
 
 def keys_of_the_reader():
-    source = "".join((ROOT / "simulator" / name).read_text()
-                     for name in ("description_reader.cc", "description_ports.cc"))
+    source = "".join((ROOT / "simulator" / "description" / name).read_text()
+                     for name in ("reader.cc", "ports.cc"))
     asked = r'(?:\.|->)(?:integers?|number|boolean|texts?|choice|choiceSet|indexes|tables?)\("(\w+)"'
     return set(re.findall(asked, source)) | set(re.findall(r'store32\([^;]*?"(\w+)"\)', source))
 
@@ -35,7 +35,7 @@ def keys_in(node):
 
 
 def words_of_the_reader():
-    words = (ROOT / "simulator" / "description_words.h").read_text()
+    words = (ROOT / "simulator" / "description" / "words.h").read_text()
     return set(re.findall(r'\{"([^"]+)", (?:SPEED|FFE|DFE|MEDIA|kPort)', words))
 
 

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <string>
 
+#include "arguments/argument_parsers.h"
 #include "display/table_header.h"
 #include "shell/command_reader.h"
 #include "shell/session.h"
@@ -70,6 +71,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   serdesTopology = {};
   portRunning = {};
   currentCommandIndex = 0;
+  currentCommandSets = false;
   interactive = (flags & 1) != 0;
   platform.corrupt = corrupt;
   platform.failing = [] { return answers.next(255) < 16 ? -static_cast<int>(answers.next(1)) : 0; };

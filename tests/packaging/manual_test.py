@@ -138,7 +138,7 @@ class Simulator(unittest.TestCase):
         self.assertGreater(len(codes), 5)
 
     def test_every_variable_is_explained(self):
-        sources = "".join(path.read_text(encoding="utf-8") for path in (SOURCE / "simulator").glob("*.cc"))
+        sources = "".join(path.read_text(encoding="utf-8") for path in (SOURCE / "simulator").rglob("*.cc"))
         page = (TEXTS / "serdes-simulator.7").read_text(encoding="ascii")
         self.assertEqual(set(re.findall(r"^\.It Ev (\w+)", page, re.MULTILINE)),
                          set(re.findall(r'"(SERDES_SIMULATOR_\w+)"', sources)))

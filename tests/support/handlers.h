@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "arguments/argument_parsers.h"
 #include "shell/command_reader.h"
 #include "shell/command_table.h"
 #include "tests/support/expected.h"
@@ -26,9 +27,7 @@ inline Outcome runHandler(CmdStatus (*handler)(int, char*[]), std::vector<std::s
 // Calls a set command's handler as it is when the port list parser lets types be mixed, as under a show command's row,
 // so that only the handler's own rule is left.
 inline Outcome runUnderAShowCommand(CmdStatus (*handler)(int, char*[]), std::vector<std::string> words) {
-  currentCommandIndex = 0;
-  while (cmdTable[currentCommandIndex].isSetCmd != 0)
-    ++currentCommandIndex;
+  currentCommandSets = false;
   return runHandler(handler, std::move(words));
 }
 

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "topology/platform.h"
+#include "platform/platform.h"
 
 namespace recording {
 

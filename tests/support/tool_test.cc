@@ -6,9 +6,10 @@
 #include <cstdio>
 #include <sstream>
 
+#include "arguments/argument_parsers.h"
+#include "commands/discovery.h"
 #include "display/table_header.h"
 #include "shell/command_reader.h"
-#include "topology/discovery.h"
 #include "topology/serdes_topology.h"
 
 namespace recording {
@@ -65,6 +66,7 @@ void ToolTest::SetUp() {
   serdesTopology.switchHwConfig = platform.switchConfig;
   portRunning = {};
   currentCommandIndex = 0;
+  currentCommandSets = false;
   interactive = false;
 }
 

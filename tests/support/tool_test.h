@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/cmd_status.h"
+#include "arguments/cmd_status.h"
 #include "tests/support/recording_platform.h"
 
 namespace recording {

@@ -1,0 +1,92 @@
+// Media of a link: their loss, their phase and how they compose.
+#include "simulator/link/channel.h"
+
+#include <cmath>
+
+namespace simulator {
+
+namespace {
+
+double fitted(double coefficient) {
+  return limited(coefficient, -1e4, 1e4);
+}
+
+}  // namespace
+
+Channel cascade(const Channel& first, const Channel& second) {
+  Channel both = first;
+  both.a0 += second.a0;
+  both.a1 += second.a1;
+  both.a2 += second.a2;
+  both.a4 += second.a4;
+  both.echoes.insert(both.echoes.end(), second.echoes.begin(), second.echoes.end());
+  const double jitter1 = limited(first.randomJitterUi, 0, 0.5);
+  const double jitter2 = limited(second.randomJitterUi, 0, 0.5);
+  both.randomJitterUi = std::sqrt(jitter1 * jitter1 + jitter2 * jitter2);
+  if (second.crosstalkDb > both.crosstalkDb) both.crosstalkDb = second.crosstalkDb;
+  both.connected = first.connected && second.connected;
+  return both;
+}
+
+Channel operator+(const Channel& first, const Channel& second) {
+  return cascade(first, second);
+}
+
+Channel fr4Trace(double inches) {
+  Channel trace;
+  trace.a1 = 0.0908 * inches;
+  trace.a2 = 0.0562 * inches;
+  return trace;
+}
+
+Channel connector() {
+  Channel contact;
+  contact.a0 = 0.1;
+  contact.a2 = 0.35;
+  return contact;
+}
+
+Channel boardLine(double millimetres) {
+  Channel line;
+  line.a1 = 4.114e-4 * kNeperDb * millimetres;
+  line.a2 = 2.547e-4 * kNeperDb * millimetres;
+  return line;
+}
+
+Channel directAttachCopper(double metres) {
+  // Conductor, dielectric and braid a metre; the plugs take what is left of the limit at 7 m.
+  Channel cable;
+  cable.a1 = 0.70 * metres;
+  cable.a2 = 0.07 * metres + 0.440276;
+  cable.a4 = 0.006 * metres;
+  return cable;
+}
+
+Channel opticalModule(double hostTraceInches, double addedJitterUi) {
+  Channel host = fr4Trace(hostTraceInches) + connector();
+  host.randomJitterUi = addedJitterUi;
+  return host;
+}
+
+std::array<double, 4> fitCoefficients(const Channel& channel) {
+  return {fitted(channel.a0), fitted(channel.a1), fitted(channel.a2), fitted(channel.a4)};
+}
+
+double insertionLossDb(const Channel& channel, double fGHz) {
+  const double f = limited(fGHz, 0, 1e4);
+  const auto [a0, a1, a2, a4] = fitCoefficients(channel);
+  return limited(a0 + a1 * std::sqrt(f) + a2 * f + a4 * f * f, kMinLossDb, kMaxLossDb);
+}
+
+Complex channelResponse(const Channel& channel, double fGHz) {
+  const double f = limited(fGHz, 0, 1e4);
+  const double lag = fitted(channel.a1) * std::sqrt(f) - (2 / kPi) * fitted(channel.a2) * f * naturalLog(f);
+  Complex echoes{1, 0};
+  for (const Echo& echo : channel.echoes) {
+    const double delay = limited(echo.delayNs, 0, 1e4);
+    echoes = echoes + limited(echo.reflection, -1, 1) * unitPhasor(-2 * kPi * f * delay);
+  }
+  return fromDb(-insertionLossDb(channel, f)) * (unitPhasor(-lag / kNeperDb) * echoes);
+}
+
+}  // namespace simulator

@@ -1,0 +1,53 @@
+// Everything about a switch that can change, as plain values. What can be worked out from it (link results, port
+// states, status registers) is not here.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "simulator/description/description.h"
+#include "simulator/serdes/register_map.h"
+#include "simulator/switch/error_counter.h"
+
+namespace simulator {
+
+struct TxLinkState {
+  RegisterFile registers{};
+  std::uint32_t injectedErrors = 0;
+};
+
+struct RxLinkState {
+  RegisterFile registers{};
+  ErrorCounter checkErrors;      // bit errors that pattern checking has found
+  std::uint8_t marginShown = 0;  // what test option 4 reads: 0 eye height, 1 error rate
+  std::uint8_t sensor = 0;       // what test option 9 reads: 0 the receive core's temperature, 1 the transmit core's
+};
+
+struct PortState {
+  std::uint32_t configuredSpeed = SPEED_AUTO;
+  std::uint32_t operatingSpeed = SPEED_AUTO;  // what the SerDes is set to; AUTO while none is agreed on
+  bool sends = true;                          // the transmit stream of a port without transmit links
+  std::array<Settings, kSpeeds> caches{};
+  ErrorCounter decodeErrors;
+  ErrorCounter crcErrors;
+  std::uint64_t settledAt = 0;  // microseconds: errors are counted up to here
+  std::array<TxLinkState, kMaxLinks> tx{};
+  std::array<RxLinkState, kMaxLinks> rx{};
+};
+
+struct AsicState {
+  std::vector<PortState> ports;
+  std::vector<RegisterFile> plls;
+};
+
+// The state as a list of named records, in an order that the description fixes.
+struct StateRecord {
+  std::string name;
+  std::vector<std::uint64_t> values;
+
+  bool operator==(const StateRecord&) const = default;
+};
+
+}  // namespace simulator

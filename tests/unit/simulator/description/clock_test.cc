@@ -1,0 +1,56 @@
+#include "simulator/description/clock.h"
+
+#include <gtest/gtest.h>
+
+namespace simulator {
+namespace {
+
+TEST(ParseClock, KnowsItsThreeForms) {
+  EXPECT_EQ(parseClock("monotonic"), ClockDescription{});
+  EXPECT_EQ(parseClock("virtual"), (ClockDescription{.isVirtual = true, .step = kDefaultClockStep}));
+  EXPECT_EQ(parseClock("virtual:25"), (ClockDescription{.isVirtual = true, .step = 25}));
+}
+
+TEST(ParseClock, RefusesAnythingElse) {
+  for (const char* text : {"", "Virtual", "virtual:", "virtual:0", "virtual:-1", "virtual:1x", "virtual:3600000001",
+                           "virtual:99999999999999999999999", "virtual5", "monotonic:5"}) {
+    EXPECT_EQ(parseClock(text), std::nullopt) << text;
+  }
+}
+
+TEST(VirtualClock, GoesItsStepWithEachTick) {
+  Clock clock({.isVirtual = true, .step = 250});
+  EXPECT_EQ(clock.now(), 0U);
+  clock.tick();
+  clock.tick();
+  EXPECT_EQ(clock.now(), 500U);
+}
+
+TEST(VirtualClock, ContinuesFromWhereItIsPut) {
+  Clock clock({.isVirtual = true, .step = 1});
+  clock.continueFrom(1'000'000);
+  clock.tick();
+  EXPECT_EQ(clock.now(), 1'000'001U);
+}
+
+TEST(MonotonicClock, GoesOnByItselfAndNeverBack) {
+  Clock clock({});
+  std::uint64_t last = clock.now();
+  // Bounded by what the machine does in a millisecond, without waiting for any particular time.
+  while (clock.now() < 1000) {
+    clock.tick();
+    ASSERT_GE(clock.now(), last);
+    last = clock.now();
+  }
+}
+
+TEST(MonotonicClock, ContinuesFromWhereItIsPut) {
+  Clock clock({});
+  clock.continueFrom(5'000'000'000);
+  clock.tick();
+  EXPECT_GE(clock.now(), 5'000'000'000U);
+  EXPECT_LT(clock.now(), 5'600'000'000U);
+}
+
+}  // namespace
+}  // namespace simulator

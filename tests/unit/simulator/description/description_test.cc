@@ -1,0 +1,315 @@
+#include "simulator/description/description.h"
+
+#include <gtest/gtest.h>
+
+#include "simulator/calls/default_switch.h"
+
+namespace simulator {
+namespace {
+
+// The least that a description can say, with more in front or behind.
+const std::string kOnePort = R"([[asics]]
+[[asics.cores]]
+cores = 0
+type = 2
+[[asics.ports]]
+ports = 0
+kind = "GL"
+)";
+
+SwitchDescription read(const std::string& text) {
+  return readDescription(text, "some.toml");
+}
+
+TEST(Description, SaysWithTheLeastWhatTheRestIs) {
+  const SwitchDescription description = read(kOnePort);
+  ASSERT_EQ(description.asics.size(), 1U);
+  ASSERT_EQ(description.asics[0].cores.size(), 1U);
+  const CoreDescription& core = description.asics[0].cores[0];
+  EXPECT_EQ(core.type, 2U);
+  EXPECT_EQ(core.pllRegisters, 12U);
+  EXPECT_EQ(core.rxRegisters, 24U);
+  EXPECT_EQ(core.txRegisters, 16U);
+  EXPECT_EQ(core.rxParams, 5U);
+  EXPECT_EQ(core.txParams, 7U);
+  ASSERT_EQ(description.asics[0].ports.size(), 1U);
+  const PortDescription& port = description.asics[0].ports[0];
+  EXPECT_EQ(port.portType, kPortTypeGl);
+  EXPECT_TRUE(port.present);
+  EXPECT_EQ(port.userPort, kNoUserPort);
+  EXPECT_EQ(port.rxLinks, 1U);
+  EXPECT_EQ(port.txLinks, 1U);
+  EXPECT_EQ(port.media, MEDIA_OPTICAL);
+  EXPECT_EQ(port.speed, SPEED_AUTO);
+  EXPECT_TRUE(port.sends);
+  EXPECT_EQ(port.farEnd, FarEnd::kNothing);
+  EXPECT_FALSE(port.live.has_value());
+  EXPECT_EQ(description.clock, ClockDescription{});
+  EXPECT_EQ(description.typeNames[2], "SERDES_11G");
+  EXPECT_EQ(description.userPorts, 0);
+}
+
+TEST(Description, ReadsTheSwitch) {
+  const SwitchDescription description = read(R"(
+slots = 8
+user_ports = 48
+aux_ports = 3
+seed = 99
+type_names = ["a", "b", "c", "d", "e", "f", "nineteen characters"]
+clock = { kind = "virtual", step = 50 }
+)" + kOnePort);
+  EXPECT_EQ(description.slots, 8);
+  EXPECT_EQ(description.userPorts, 48);
+  EXPECT_EQ(description.auxPorts, 3);
+  EXPECT_EQ(description.seed, 99U);
+  EXPECT_EQ(description.typeNames[6], "nineteen characters");
+  EXPECT_EQ(description.clock, (ClockDescription{.isVirtual = true, .step = 50}));
+}
+
+TEST(Description, ReadsCores) {
+  const SwitchDescription description = read(R"([[asics]]
+[[asics.cores]]
+cores = "0-1"
+type = 5
+[[asics.cores]]
+cores = 1
+pll_registers = 3
+rx_registers = 32
+tx_registers = 0
+rx_params = 9
+tx_params = 8
+first_port = 17
+temperature = -5
+)");
+  const CoreDescription& plain = description.asics[0].cores[0];
+  EXPECT_EQ(plain.rxRegisters, 32U);
+  EXPECT_EQ(plain.firstPort, 0U);
+  const CoreDescription& core = description.asics[0].cores[1];
+  EXPECT_EQ(core.type, 5U);
+  EXPECT_EQ(core.pllRegisters, 3U);
+  EXPECT_EQ(core.rxRegisters, 32U);
+  EXPECT_EQ(core.txRegisters, 0U);
+  EXPECT_EQ(core.rxParams, 9U);
+  EXPECT_EQ(core.txParams, 8U);
+  EXPECT_EQ(core.firstPort, 17U);
+  EXPECT_EQ(core.temperature, -5);
+}
+
+TEST(Description, ReadsPorts) {
+  const SwitchDescription description = read(R"(
+[settings.some]
+power = 300
+ffe = "FFE4"
+taps = [-1, 2, -3, 4]
+slew = 60
+dfe = "DFE1"
+pole = 1
+peak = 2
+amax = 0x30
+
+[channels.board]
+fr4_inches = 10
+connectors = 2
+crosstalk_db = -40
+echoes = [{ reflection = -0.1, delay_ns = 0.7 }]
+
+[[asics]]
+[[asics.cores]]
+cores = "0-1"
+type = 2
+[[asics.ports]]
+ports = 0
+kind = "XG"
+present = false
+user_port = 7
+rx_links = 2
+tx_links = 3
+rx_core = 1
+tx_core = 0
+media = "copper active"
+media_speeds = ["20G"]
+speeds = ["10G", "20G"]
+channel = "board"
+speed = "20G"
+sends = false
+load = 40
+cache = { 20G = "some" }
+live = "some"
+partner = { settings = "some", speed = "10G", speeds = ["10G"], sends = false, pattern = 2 }
+)");
+  const PortDescription& port = description.asics[0].ports[0];
+  EXPECT_EQ(port.portType, kPortTypeXg);
+  EXPECT_FALSE(port.present);
+  EXPECT_EQ(port.userPort, 7);
+  EXPECT_EQ(port.rxLinks, 2U);
+  EXPECT_EQ(port.txLinks, 3U);
+  EXPECT_EQ(port.rxCore, 1U);
+  EXPECT_EQ(port.txCore, 0U);
+  EXPECT_EQ(port.media, MEDIA_COPPER_ACTIVE);
+  EXPECT_EQ(port.mediaSpeeds, speedBit(SPEED_20G));
+  EXPECT_EQ(port.speeds, speedBit(SPEED_10G) | speedBit(SPEED_20G));
+  EXPECT_EQ(port.speed, SPEED_20G);
+  EXPECT_FALSE(port.sends);
+  EXPECT_EQ(port.loadPercent, 40U);
+  const Settings& cache = port.caches[SPEED_20G];
+  EXPECT_EQ(cache.tx.power, 300);
+  EXPECT_EQ(cache.tx.mode, FFE_4);
+  EXPECT_EQ(cache.tx.slew, SLEW_60PS);
+  EXPECT_EQ(cache.tx.p0, -1);
+  EXPECT_EQ(cache.tx.p1, 2);
+  EXPECT_EQ(cache.tx.p2, -3);
+  EXPECT_EQ(cache.tx.p3, 4);
+  EXPECT_EQ(cache.rx.mode, DFE_1);
+  EXPECT_EQ(cache.rx.p0, 1);
+  EXPECT_EQ(cache.rx.p1, 2);
+  EXPECT_EQ(cache.rx.p2, 0x30);
+  EXPECT_EQ(port.caches[SPEED_10G].tx.power, 115);
+  EXPECT_EQ(port.live->tx.power, 300);
+  EXPECT_EQ(port.farEnd, FarEnd::kPartner);
+  EXPECT_EQ(port.partner.speed, SPEED_10G);
+  EXPECT_EQ(port.partner.speeds, speedBit(SPEED_10G));
+  EXPECT_FALSE(port.partner.sends);
+  EXPECT_EQ(port.partner.pattern, 2U);
+  EXPECT_NEAR(insertionLossDb(port.channel, 5), insertionLossDb(fr4Trace(10) + connector() + connector(), 5), 1e-9);
+  EXPECT_EQ(port.channel.crosstalkDb, -40);
+  ASSERT_EQ(port.channel.echoes.size(), 1U);
+  EXPECT_EQ(port.channel.echoes[0].reflection, -0.1);
+  EXPECT_EQ(port.channel.echoes[0].delayNs, 0.7);
+}
+
+TEST(Description, SumsEveryKindOfChannelPiece) {
+  const auto lossOf = [](const std::string& pieces) {
+    const SwitchDescription description = read("[channels.c]\n" + pieces + "\n" + kOnePort + "channel = \"c\"\n");
+    return insertionLossDb(description.asics[0].ports[0].channel, 4);
+  };
+  EXPECT_NEAR(lossOf("a0 = 1\na1 = 2\na2 = 0.5\na4 = 0.25"), 1 + 4 + 2 + 4, 1e-9);
+  EXPECT_NEAR(lossOf("board_mm = 100"), insertionLossDb(boardLine(100), 4), 1e-9);
+  EXPECT_NEAR(lossOf("copper_metres = 3"), insertionLossDb(directAttachCopper(3), 4), 1e-9);
+  EXPECT_NEAR(lossOf("optical_host_inches = 9"), insertionLossDb(opticalModule(9), 4), 1e-9);
+  EXPECT_NEAR(lossOf("fr4_inches = 5\nboard_mm = 100"), insertionLossDb(fr4Trace(5) + boardLine(100), 4), 1e-9);
+}
+
+TEST(Description, RunsOfPortsShareCoresAndCountUserPorts) {
+  const SwitchDescription description = read(R"([[asics]]
+[[asics.cores]]
+cores = "0-2"
+type = 2
+[[asics.ports]]
+ports = "0-3,5,4"
+kind = "GL"
+user_port = 10
+core = 1
+ports_per_core = 3
+far_end = "pair"
+)");
+  const std::vector<PortDescription>& ports = description.asics[0].ports;
+  ASSERT_EQ(ports.size(), 6U);
+  EXPECT_EQ(ports[2].rxCore, 1U);
+  EXPECT_EQ(ports[3].rxCore, 2U);
+  EXPECT_EQ(ports[5].userPort, 14);
+  EXPECT_EQ(ports[4].userPort, 15);
+  EXPECT_EQ(ports[4].farPort, 5U);
+  EXPECT_EQ(ports[5].farPort, 4U);
+  EXPECT_EQ(description.userPorts, 6);
+  EXPECT_EQ(description.asics[0].cores[1].firstPort, 0U);
+  EXPECT_EQ(description.asics[0].cores[2].firstPort, 3U);
+}
+
+TEST(Description, LaterEntriesRefineEarlierOnes) {
+  const SwitchDescription description = read(kOnePort + R"(speed = "8G"
+user_port = 3
+[[asics.ports]]
+ports = 0
+user_port = -1
+)");
+  EXPECT_EQ(description.asics[0].ports[0].speed, SPEED_8G);
+  EXPECT_EQ(description.asics[0].ports[0].userPort, kNoUserPort);
+}
+
+TEST(Description, ACableCanLeadToAnyPortByItsNumber) {
+  const SwitchDescription description = read(R"([[asics]]
+[[asics.cores]]
+cores = 0
+type = 2
+[[asics.ports]]
+ports = "0-1"
+kind = "GL"
+far_end = 2
+[[asics.ports]]
+ports = "2-3"
+kind = "GL"
+far_end = 0
+)");
+  EXPECT_EQ(description.asics[0].ports[1].farPort, 3U);
+  EXPECT_EQ(description.asics[0].ports[3].farPort, 1U);
+}
+
+TEST(Description, EthernetSettingsAreForEthernetPorts) {
+  const std::string settings = "[settings.e]\npower = 6\npre_emphasis = 5\ncdr_mode = 2\neq_mode = 1\n";
+  std::string port = kOnePort;
+  port.replace(port.find("GL"), 2, "EXG");
+  const SwitchDescription description = read(settings + port + "cache = \"e\"\n");
+  const Settings& cache = description.asics[0].ports[0].caches[SPEED_10G];
+  EXPECT_EQ(cache.tx.power, 6);
+  EXPECT_EQ(cache.tx.slew, SLEW_UNKNOWN);
+  EXPECT_EQ(cache.tx.p0, 5);
+  EXPECT_EQ(cache.rx.mode, 2);
+  EXPECT_EQ(cache.rx.p0, 1);
+}
+
+TEST(Description, ReadsFaults) {
+  const SwitchDescription description = read(kOnePort + R"(
+[[faults]]
+operation = "GetSerDesInfo/port"
+asic = 0
+port = 5
+ordinal = 3
+always = true
+probability = 0.25
+code = -77
+[[faults]]
+operation = "ReadSerDesPLLRegister"
+core = 2
+answer = { output = "value", value = 0x1234 }
+[[faults]]
+operation = "ToString"
+answer = { output = "name", text = "a name that is far too long" }
+[[faults]]
+operation = "ClrFrameStatCntrs"
+)");
+  ASSERT_EQ(description.faults.size(), 4U);
+  const FaultDescription& first = description.faults[0];
+  EXPECT_EQ(first.where.operation, Operation::kGetSerDesInfoOfPort);
+  EXPECT_EQ(first.where.asic, 0U);
+  EXPECT_EQ(first.where.port, 5U);
+  EXPECT_EQ(first.where.link, std::nullopt);
+  EXPECT_EQ(first.ordinal, 3U);
+  EXPECT_TRUE(first.always);
+  EXPECT_EQ(first.probability, kCertain / 4);
+  EXPECT_EQ(first.code, -77);
+  EXPECT_FALSE(first.answer.has_value());
+  EXPECT_EQ(description.faults[1].where.core, 2U);
+  EXPECT_EQ(description.faults[1].answer->output, "value");
+  EXPECT_EQ(description.faults[1].answer->value, 0x1234);
+  EXPECT_EQ(description.faults[2].answer->text, "a name that is far too long");
+  EXPECT_EQ(description.faults[3].code, kInjectedFault);
+  EXPECT_FALSE(description.faults[3].always);
+}
+
+TEST(Description, FingerprintsDifferWithTheText) {
+  EXPECT_EQ(read(kOnePort).fingerprint, read(kOnePort).fingerprint);
+  EXPECT_NE(read(kOnePort).fingerprint, read(kOnePort + "load = 1\n").fingerprint);
+}
+
+TEST(Description, TheBuiltInOneIsInOrder) {
+  EXPECT_NO_THROW((void)readDescription(kDefaultSwitchToml, "default.toml"));
+}
+
+TEST(Description, AFileThatCannotBeReadIsAnError) {
+  for (const char* name : {"/nonexistent/switch.toml", "/"}) {
+    EXPECT_THROW((void)readDescriptionFile(name), DescriptionError) << name;
+  }
+}
+
+}  // namespace
+}  // namespace simulator

@@ -1,0 +1,121 @@
+// The own elementary functions against the C library's, and their behaviour outside their range.
+#include "simulator/link/math.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace simulator {
+namespace {
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+double relativeError(double value, double expected) {
+  return std::fabs(value - expected) / std::fabs(expected);
+}
+
+TEST(LinkMath, ExponentialAgreesWithLibrary) {
+  for (double x = -690; x <= 690; x += 0.37)
+    EXPECT_LT(relativeError(exponential(x), std::exp(x)), 1e-15) << x;
+  EXPECT_EQ(exponential(0), 1);
+}
+
+TEST(LinkMath, ExponentialMinusOneKeepsSmallValues) {
+  for (double x = -2; x <= 2; x += 0.013) {
+    if (std::fabs(x) < 1e-9) continue;
+    EXPECT_LT(relativeError(exponentialMinusOne(x), std::expm1(x)), 1e-14) << x;
+  }
+  EXPECT_LT(relativeError(exponentialMinusOne(-1e-17), -1e-17), 1e-15);
+  EXPECT_EQ(exponentialMinusOne(0), 0);
+}
+
+TEST(LinkMath, LogarithmAgreesWithLibrary) {
+  for (double x = 1e-300; x < 1e300; x *= 3.7)
+    EXPECT_LT(relativeError(naturalLog(x), std::log(x)), 1e-15) << x;
+  for (double x = 0.5; x < 2; x += 0.0007)
+    EXPECT_NEAR(naturalLog(x), std::log(x), 1e-15) << x;
+  EXPECT_EQ(naturalLog(1), 0);
+}
+
+TEST(LinkMath, LogOnePlusKeepsSmallValues) {
+  for (double x = -0.99; x < 3; x += 0.0137)
+    EXPECT_NEAR(logOnePlus(x), std::log1p(x), 1e-14) << x;
+  EXPECT_LT(relativeError(logOnePlus(-1e-18), -1e-18), 1e-15);
+  EXPECT_LT(relativeError(logOnePlus(-1e-9), std::log1p(-1e-9)), 1e-15);
+}
+
+TEST(LinkMath, PhasorAgreesWithLibrary) {
+  for (double x = -1e5; x <= 1e5; x += 13.7) {
+    const Complex phasor = unitPhasor(x);
+    EXPECT_NEAR(phasor.re, std::cos(x), 1e-15) << x;
+    EXPECT_NEAR(phasor.im, std::sin(x), 1e-15) << x;
+  }
+  for (double x = -7; x <= 7; x += 0.001) {
+    const Complex phasor = unitPhasor(x);
+    EXPECT_NEAR(phasor.re, std::cos(x), 1e-15) << x;
+    EXPECT_NEAR(phasor.im, std::sin(x), 1e-15) << x;
+  }
+}
+
+TEST(LinkMath, ComplementaryErrorAgreesWithLibrary) {
+  for (double x = -6; x <= 26; x += 0.0031) {
+    EXPECT_LT(relativeError(complementaryError(x), std::erfc(x)), 1e-12) << x;
+  }
+  EXPECT_EQ(complementaryError(27), 0);
+  EXPECT_EQ(complementaryError(-27), 2);
+}
+
+TEST(LinkMath, DecibelsGoBothWays) {
+  for (double db = -300; db <= 300; db += 7.3) {
+    EXPECT_LT(relativeError(fromDb(db), std::pow(10.0, db / 20)), 1e-13) << db;
+    EXPECT_NEAR(toDb(fromDb(db)), db, 1e-11) << db;
+  }
+}
+
+TEST(LinkMath, BitErrorRateAtWholeSigmas) {
+  const double table[][2] = {{3, 1.3499e-3},  {4, 3.1671e-5},  {5, 2.8665e-7},
+                             {6, 9.8659e-10}, {7, 1.2798e-12}, {8, 6.2210e-16}};
+  for (const auto& [x, ber] : table)
+    EXPECT_LT(relativeError(qFunction(x), ber), 1e-4) << x;
+  EXPECT_EQ(qFunction(0), 0.5);
+}
+
+TEST(LinkMath, SigmasForBitErrorRate) {
+  const double table[][2] = {{1e-6, 4.75342}, {1e-9, 5.99781}, {1e-12, 7.03448}, {1e-15, 7.94135}};
+  for (const auto& [ber, x] : table)
+    EXPECT_NEAR(inverseQ(ber), x, 1e-5) << ber;
+  for (double x = -6; x < 36; x += 0.1)
+    EXPECT_NEAR(inverseQ(qFunction(x)), x, x < 0 ? 1e-5 : 1e-10) << x;
+}
+
+TEST(LinkMath, EveryFunctionIsFiniteForEveryArgument) {
+  const double arguments[] = {kNan,  kInfinity, -kInfinity, 0,       -0.0,
+                              1e308, -1e308,    5e-324,     -5e-324, std::numeric_limits<double>::max()};
+  for (const double x : arguments) {
+    for (const double y : {exponential(x), exponentialMinusOne(x), naturalLog(x), logOnePlus(x), fromDb(x), toDb(x),
+                           unitPhasor(x).re, unitPhasor(x).im, complementaryError(x), qFunction(x), inverseQ(x)}) {
+      EXPECT_TRUE(std::isfinite(y)) << x;
+    }
+  }
+}
+
+TEST(LinkMath, LimitedReadsNotANumberAsZeroOrNearestEnd) {
+  EXPECT_EQ(limited(kNan, -1, 1), 0);
+  EXPECT_EQ(limited(kNan, 2, 3), 2);
+  EXPECT_EQ(limited(kNan, -3, -2), -2);
+  EXPECT_EQ(limited(kInfinity, 2, 3), 3);
+  EXPECT_EQ(limited(-kInfinity, 2, 3), 2);
+  EXPECT_EQ(limited(2.5, 2, 3), 2.5);
+}
+
+TEST(LinkMath, QuotientOfComplexNumbers) {
+  const Complex quotient = Complex{5, 5} / Complex{1, 2};
+  EXPECT_DOUBLE_EQ(quotient.re, 3);
+  EXPECT_DOUBLE_EQ(quotient.im, -1);
+  EXPECT_EQ((Complex{1, 1} / Complex{0, 0}).re, 0);
+}
+
+}  // namespace
+}  // namespace simulator

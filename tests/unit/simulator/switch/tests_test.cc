@@ -1,0 +1,239 @@
+#include "tests/unit/simulator/switch/switch_bench.h"
+
+namespace simulator {
+namespace {
+
+using Loopback = SwitchTest;
+using Pattern = SwitchTest;
+using HoldDfe = SwitchTest;
+using Margin = SwitchTest;
+using InjectErrors = SwitchTest;
+using Temperature = SwitchTest;
+using TestOptions = SwitchTest;
+
+TEST_F(Loopback, LetsAPortHearItself) {
+  ASSERT_EQ(statusOf(5), kStatusNoSignal);
+  EXPECT_EQ(testStatus(5, kTestLoopback), 0);
+  ASSERT_EQ(sw.setTestOption(0, 5, 0, kTestLoopback, 1), kOk);
+  EXPECT_EQ(testStatus(5, kTestLoopback), 1);
+  EXPECT_EQ(statusOf(5), kPortStateRunning);
+  EXPECT_EQ(speedOf(5), SPEED_10G);
+  ASSERT_EQ(sw.setTestOption(0, 5, 0, kTestLoopback, 0), kOk);
+  EXPECT_EQ(statusOf(5), kStatusNoSignal);
+}
+
+TEST_F(Loopback, ReportsALoopThatCarriesNothing) {
+  ASSERT_EQ(sw.setTestOption(0, 5, 0, kTestLoopback, 1), kOk);
+  ASSERT_EQ(sw.setStream(id(5), false), kOk);
+  EXPECT_EQ(testStatus(5, kTestLoopback), 2);
+}
+
+TEST_F(Loopback, IsABitOfTheReceiveRegisters) {
+  ASSERT_EQ(sw.setTestOption(0, 0, 0, kTestLoopback, 1), kOk);
+  EXPECT_EQ(readRx(0, 1), 0x0011U);
+  ASSERT_EQ(writeRx(5, 2, 0x0003), kOk);
+  EXPECT_EQ(testStatus(5, kTestLoopback), 1);
+  EXPECT_EQ(speedOf(5), SPEED_10G);
+}
+
+TEST_F(Loopback, LeavesTheFarEndItsSignal) {
+  ASSERT_EQ(sw.setTestOption(0, 2, 0, kTestLoopback, 1), kOk);
+  EXPECT_EQ(readRx(3, 2), 0x0007U);
+}
+
+TEST_F(Pattern, InPlaceOfFramesTakesTheFarEndDown) {
+  ASSERT_EQ(sw.setTestOption(0, 3, 0, kTestSendPattern, 2), kOk);
+  EXPECT_EQ(testStatus(3, kTestSendPattern), 2);
+  EXPECT_EQ(statusOf(2), kStatusPattern);
+  EXPECT_EQ(statusOf(3), kPortStateRunning);
+  ASSERT_EQ(sw.setTestOption(0, 3, 0, kTestSendPattern, 0), kOk);
+  EXPECT_EQ(statusOf(2), kPortStateRunning);
+}
+
+TEST_F(Pattern, CheckingCountsBitErrors) {
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestSendPattern, 1), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestCheckPattern, 1), kOk);
+  EXPECT_EQ(testStatus(1, kTestCheckPattern), 0);
+  passSeconds(2);
+  const int errors = testStatus(1, kTestCheckPattern);
+  EXPECT_GT(errors, 1000);
+  EXPECT_EQ(readRx(1, 11), errors > 65535 ? 65535U : static_cast<unsigned>(errors));
+  EXPECT_EQ(decodeErrors(1), 0U);  // there are no frames to err in
+}
+
+TEST_F(Pattern, CheckingStopsAndKeepsItsCountUntilItIsStartedAgain) {
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestSendPattern, 1), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestCheckPattern, 1), kOk);
+  passSeconds(1);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestCheckPattern, 0), kOk);
+  const int errors = testStatus(1, kTestCheckPattern);
+  EXPECT_GT(errors, 0);
+  passSeconds(1);
+  EXPECT_EQ(testStatus(1, kTestCheckPattern), errors);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestCheckPattern, 1), kOk);
+  EXPECT_EQ(testStatus(1, kTestCheckPattern), 0);
+}
+
+TEST_F(Pattern, CheckingFindsNothingInFramesOrInAnotherPattern) {
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestCheckPattern, 1), kOk);
+  EXPECT_EQ(testStatus(1, kTestCheckPattern), -1);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestSendPattern, 2), kOk);
+  passSeconds(1);
+  EXPECT_EQ(testStatus(1, kTestCheckPattern), -1);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestSendPattern, 1), kOk);
+  EXPECT_EQ(testStatus(1, kTestCheckPattern), 0);
+}
+
+TEST_F(Pattern, TheCheckersCountCanBeCleared) {
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestSendPattern, 3), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestCheckPattern, 3), kOk);
+  passSeconds(1);
+  ASSERT_GT(testStatus(1, kTestCheckPattern), 0);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestClearCheck, 0), kOk);
+  EXPECT_EQ(testStatus(1, kTestCheckPattern), 0);
+}
+
+TEST_F(HoldDfe, KeepsTheTapsWhileTheLinkChanges) {
+  const SerDesRxDFEStats adapted = statsOf(1);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestHoldDfe, 1), kOk);
+  EXPECT_EQ(testStatus(1, kTestHoldDfe), 1);
+  ASSERT_EQ(sw.setTxSlew(0, 1, -1, true, SLEW_36PS), kOk);
+  EXPECT_EQ(statsOf(1).h, adapted.h);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestHoldDfe, 0), kOk);
+  EXPECT_EQ(testStatus(1, kTestHoldDfe), 0);
+  EXPECT_NE(statsOf(1).h, adapted.h);
+}
+
+TEST_F(HoldDfe, HoldingWhatIsHeldKeepsIt) {
+  SerDesRxDFEState state{};
+  state.h[0] = 9;
+  ASSERT_EQ(sw.setRxDfeState(0, 1, 0, &state), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestHoldDfe, 1), kOk);
+  EXPECT_EQ(statsOf(1).h[0], 9);
+}
+
+TEST_F(HoldDfe, AdaptingAnewTakesTheTapsOfNowAndHoldsThem) {
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestHoldDfe, 1), kOk);
+  const SerDesRxDFEStats before = statsOf(1);
+  ASSERT_EQ(sw.setTxSlew(0, 1, -1, true, SLEW_36PS), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestReadapt, 0), kOk);
+  const SerDesRxDFEStats after = statsOf(1);
+  EXPECT_NE(after.h, before.h);
+  EXPECT_EQ(testStatus(1, kTestHoldDfe), 1);
+  ASSERT_EQ(sw.setTxSlew(0, 1, -1, true, SLEW_100PS), kOk);
+  EXPECT_EQ(statsOf(1).h, after.h);
+}
+
+TEST_F(HoldDfe, IsForSerDesThatHaveADfe) {
+  EXPECT_EQ(sw.setTestOption(0, 7, 0, kTestHoldDfe, 0), kNotSupported);
+  EXPECT_EQ(sw.setTestOption(0, 7, 0, kTestReadapt, 0), kNotSupported);
+  int status = 0;
+  EXPECT_EQ(sw.getTestStatus(0, 7, 0, kTestHoldDfe, &status), kNotSupported);
+  EXPECT_EQ(sw.setTestOption(0, 6, -1, kTestHoldDfe, 0), kOk);
+}
+
+TEST_F(Margin, ShowsTheEyeOrTheDecadesOfTheErrorRate) {
+  ASSERT_EQ(sw.setTestOption(0, 0, 0, kTestMargin, 0), kOk);
+  const int eye = testStatus(0, kTestMargin);
+  EXPECT_EQ(static_cast<unsigned>(eye), readRx(0, 15));
+  EXPECT_LT(testStatus(1, kTestMargin), eye);
+  ASSERT_EQ(sw.setTestOption(0, 0, 0, kTestMargin, 1), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestMargin, 1), kOk);
+  EXPECT_EQ(testStatus(0, kTestMargin), 18);
+  EXPECT_GT(testStatus(1, kTestMargin), 3);
+  EXPECT_LT(testStatus(1, kTestMargin), 9);
+  EXPECT_EQ(testStatus(5, kTestMargin), 0);
+}
+
+TEST_F(InjectErrors, ArriveAtTheFarEnd) {
+  ASSERT_EQ(sw.setTestOption(0, 3, 0, kTestInjectErrors, 5), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 3, 0, kTestInjectErrors, 2), kOk);
+  EXPECT_EQ(testStatus(3, kTestInjectErrors), 7);
+  EXPECT_EQ(readTx(3, 10), 7U);
+  EXPECT_EQ(decodeErrors(2), 7U);
+  EXPECT_EQ(crcErrors(2), 7U);
+  EXPECT_EQ(decodeErrors(3), 0U);
+}
+
+TEST_F(InjectErrors, ComeBackThroughALoop) {
+  ASSERT_EQ(sw.setTestOption(0, 0, 0, kTestInjectErrors, 3), kOk);
+  EXPECT_EQ(decodeErrors(0), 3U);
+  ASSERT_EQ(sw.setTestOption(0, 5, 0, kTestLoopback, 1), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 5, 0, kTestInjectErrors, 4), kOk);
+  EXPECT_EQ(decodeErrors(5), 4U);
+}
+
+TEST_F(InjectErrors, AreFoundByTheChecker) {
+  ASSERT_EQ(sw.setTestOption(0, 0, 0, kTestSendPattern, 1), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 0, 0, kTestCheckPattern, 1), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 0, 0, kTestInjectErrors, 6), kOk);
+  EXPECT_EQ(testStatus(0, kTestCheckPattern), 6);
+  EXPECT_EQ(decodeErrors(0), 0U);
+}
+
+TEST_F(InjectErrors, GoNowhereFromASilentTransmitterOrIntoALoopedFarEnd) {
+  ASSERT_EQ(sw.setTestOption(0, 2, 0, kTestLoopback, 1), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 3, 0, kTestInjectErrors, 5), kOk);
+  EXPECT_EQ(decodeErrors(2), 0U);
+  ASSERT_EQ(sw.setStream(id(0), false), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 0, 0, kTestInjectErrors, 5), kOk);
+  ASSERT_EQ(sw.setStream(id(0), true), kOk);
+  EXPECT_EQ(decodeErrors(0), 0U);
+}
+
+TEST_F(InjectErrors, OnAllLinksAreCountedOnEach) {
+  ASSERT_EQ(sw.setTestOption(0, 6, -1, kTestInjectErrors, 2), kOk);
+  EXPECT_EQ(decodeErrors(6), 8U);
+}
+
+TEST_F(Temperature, IsThatOfTheCoreOfEitherSide) {
+  EXPECT_EQ(testStatus(7, kTestTemperature), 45);
+  ASSERT_EQ(sw.setTestOption(0, 7, 0, kTestTemperature, 1), kOk);
+  EXPECT_EQ(testStatus(7, kTestTemperature), 47);
+}
+
+TEST_F(TestOptions, OthersAndOtherModesAreOutOfRange) {
+  int status = 0;
+  for (const std::uint32_t option : {5U, 10U, 100U, 0xffffffffU}) {
+    EXPECT_EQ(sw.setTestOption(0, 0, 0, option, 0), kOutOfRange) << option;
+    EXPECT_EQ(sw.getTestStatus(0, 0, 0, option, &status), kOutOfRange) << option;
+  }
+  const std::vector<std::pair<std::uint32_t, int>> greatest = {
+      {kTestLoopback, 1}, {kTestSendPattern, 3},      {kTestHoldDfe, 1},    {kTestCheckPattern, 3}, {kTestMargin, 1},
+      {kTestReadapt, 0},  {kTestInjectErrors, 65535}, {kTestClearCheck, 0}, {kTestTemperature, 1}};
+  for (const auto& [option, mode] : greatest) {
+    EXPECT_EQ(sw.setTestOption(0, 0, 0, option, mode + 1), kOutOfRange) << option;
+    EXPECT_EQ(sw.setTestOption(0, 0, 0, option, -1), kOutOfRange) << option;
+    EXPECT_EQ(sw.setTestOption(0, 0, 0, option, mode), kOk) << option;
+  }
+}
+
+TEST_F(TestOptions, CommandsWithoutAStatusHaveNone) {
+  int status = 0;
+  EXPECT_EQ(sw.getTestStatus(0, 0, 0, kTestReadapt, &status), kNotSupported);
+  EXPECT_EQ(sw.getTestStatus(0, 0, 0, kTestClearCheck, &status), kNotSupported);
+}
+
+TEST_F(TestOptions, AreForLinksThatExist) {
+  int status = 0;
+  EXPECT_EQ(sw.setTestOption(1, 0, 0, kTestLoopback, 0), kBadAsic);
+  EXPECT_EQ(sw.setTestOption(0, 9, 0, kTestLoopback, 0), kBadPort);
+  EXPECT_EQ(sw.setTestOption(0, 0, 1, kTestLoopback, 0), kBadLink);
+  EXPECT_EQ(sw.getTestStatus(0, 0, -1, kTestLoopback, &status), kBadLink);
+  EXPECT_EQ(sw.getTestStatus(0, 9, 0, kTestLoopback, &status), kBadPort);
+}
+
+class PartnerPattern : public SwitchTest {
+ protected:
+  PartnerPattern()
+      : SwitchTest("[[asics.ports]]\nports = 4\npartner = { settings = \"good\", speed = \"10G\", pattern = 1 }\n") {}
+};
+
+TEST_F(PartnerPattern, IsFoundByTheChecker) {
+  EXPECT_EQ(statusOf(4), kStatusPattern);
+  ASSERT_EQ(sw.setTestOption(0, 4, 0, kTestCheckPattern, 1), kOk);
+  EXPECT_EQ(testStatus(4, kTestCheckPattern), 0);
+}
+
+}  // namespace
+}  // namespace simulator
