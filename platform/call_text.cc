@@ -1,97 +1,95 @@
 // Text of arguments and outputs.
 #include "platform/call_text.h"
 
-#include <charconv>
 #include <cstdio>
 #include <cstring>
 
-namespace simulator {
+namespace operations {
 
-std::string Output::text() const {
-  const std::int64_t value = load_(place_);
-  if (form_ == Form::kTruth) return value != 0 ? "true" : "false";
-  if (form_ == Form::kDecimal) return std::to_string(value);
-  std::array<char, 32> hex;
-  std::snprintf(hex.data(), hex.size(), "0x%04x", static_cast<unsigned>(value));
-  return hex.data();
-}
-
-void Arguments::append(std::string_view text) {
-  const std::size_t count = std::min(text.size(), text_.size() - length_);
+void CallText::append(std::string_view text) {
+  const std::size_t room = text_.size() - length_;
+  const std::size_t count = text.size() < room ? text.size() : room;
   std::memcpy(text_.data() + length_, text.data(), count);
   length_ += count;
 }
 
-void Arguments::separate() {
-  if (length_ > 0) append(", ");
-}
-
-void Arguments::addNumber(std::int64_t value) {
+void CallText::append(std::int64_t number) {
   std::array<char, 24> digits;
-  const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-  append({digits.data(), static_cast<std::size_t>(end - digits.data())});
+  std::snprintf(digits.data(), digits.size(), "%lld", static_cast<long long>(number));
+  append(digits.data());
 }
 
-void Arguments::addNumbers(std::span<const std::int32_t> numbers) {
-  separate();
+void CallText::append(Hex number) {
+  std::array<char, 16> digits;
+  std::snprintf(digits.data(), digits.size(), "0x%0*x", number.digits, number.value);
+  append(digits.data());
+}
+
+template <typename... Numbers>
+void CallText::appendRecord(Numbers... numbers) {
   append("{");
-  for (std::size_t i = 0; i < numbers.size(); ++i) {
-    if (i > 0) append(", ");
-    addNumber(numbers[i]);
-  }
+  appendList(*this, numbers...);
   append("}");
 }
 
-Arguments& Arguments::add(std::int64_t value) {
-  separate();
-  addNumber(value);
-  return *this;
+void CallText::append(port_id_t port) {
+  appendRecord(port.userPort, port.asic, port.asicPort);
 }
 
-Arguments& Arguments::addHex(unsigned value, int digits) {
-  std::array<char, 16> hex;
-  const int length = std::snprintf(hex.data(), hex.size(), "0x%0*x", digits, value);
-  separate();
-  append({hex.data(), static_cast<std::size_t>(length)});
-  return *this;
+void CallText::append(const SerDesTxRateParams& params) {
+  appendRecord(params.power, params.slew, params.mode, params.p0, params.p1, params.p2, params.p3);
 }
 
-Arguments& Arguments::add(bool value) {
-  separate();
-  append(value ? "true" : "false");
-  return *this;
+void CallText::append(const SerDesRxRateParams& params) {
+  appendRecord(params.mode, params.p0, params.p1, params.p2, params.p3);
 }
 
-Arguments& Arguments::add(port_id_t port) {
-  const std::array<std::int32_t, 3> numbers = {port.userPort, port.asic, port.asicPort};
-  addNumbers(numbers);
-  return *this;
+void CallText::append(const SerDesRxDFEState* state) {
+  if (state == nullptr) return append("null");
+  const auto& h = state->h;
+  appendRecord(static_cast<std::int32_t>(state->leadingWord), static_cast<std::int32_t>(state->mode), h[0], h[1], h[2],
+               h[3], h[4], h[5], h[6], h[7], h[8], h[9]);
 }
 
-Arguments& Arguments::add(const SerDesTxRateParams& params) {
-  const std::array numbers = {params.power, params.slew, params.mode, params.p0, params.p1, params.p2, params.p3};
-  addNumbers(numbers);
-  return *this;
+void Output::replace(std::int64_t value) const {
+  if (store_ != nullptr) return store_(place_, value);
+  for (unsigned i = 0; i < count_; ++i)
+    static_cast<unsigned short*>(place_)[i] = static_cast<unsigned short>(value);
 }
 
-Arguments& Arguments::add(const SerDesRxRateParams& params) {
-  const std::array numbers = {params.mode, params.p0, params.p1, params.p2, params.p3};
-  addNumbers(numbers);
-  return *this;
-}
-
-Arguments& Arguments::add(const SerDesRxDFEState* state) {
-  if (state == nullptr) {
-    separate();
-    append("null");
-    return *this;
+void Output::appendTo(CallText& text) const {
+  if (append_ != nullptr) return append_(text, place_);
+  for (unsigned i = 0; i < count_; ++i) {
+    if (i > 0) text.append(", ");
+    text.append(Hex{.value = static_cast<const unsigned short*>(place_)[i], .digits = 4});
   }
-  std::array<std::int32_t, 2 + kDfeTapCount> numbers = {static_cast<std::int32_t>(state->leadingWord),
-                                                        static_cast<std::int32_t>(state->mode)};
-  for (std::size_t i = 0; i < kDfeTapCount; ++i)
-    numbers[2 + i] = state->h[i];
-  addNumbers(numbers);
-  return *this;
 }
 
-}  // namespace simulator
+Outputs outputs(Switch_HW_Config_t* config) {
+  return outputs(&config->NumSlots, &config->NumUserPorts, &config->NumAuxPorts, &config->NumASICs);
+}
+
+Outputs outputs(Port_HW_Config_t* config) {
+  return outputs(&config->portId.userPort, &config->portId.asic, &config->portId.asicPort, &config->presence,
+                 &config->portType);
+}
+
+Outputs outputs(SerDesTxRateParams* params) {
+  return outputs(&params->power, &params->slew, &params->mode, &params->p0, &params->p1, &params->p2, &params->p3);
+}
+
+Outputs outputs(SerDesRxRateParams* params) {
+  return outputs(&params->mode, &params->p0, &params->p1, &params->p2, &params->p3);
+}
+
+Outputs outputs(SerDesRxDFEStats* stats) {
+  auto& h = stats->h;
+  return outputs(&stats->leadingWord, &h[0], &h[1], &h[2], &h[3], &h[4], &h[5], &h[6], &h[7], &h[8], &h[9], &stats->Ap,
+                 &stats->Amin, &stats->An);
+}
+
+Outputs outputs(drv_counters_t* counters) {
+  return outputs(&counters->decodeErrors, &counters->crcErrors);
+}
+
+}  // namespace operations

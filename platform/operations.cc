@@ -3,7 +3,7 @@
 
 #include <array>
 
-namespace simulator {
+namespace operations {
 namespace {
 
 using enum Operation;
@@ -31,47 +31,55 @@ constexpr Name kMediaOutputs[] = {"type"};
 constexpr Name kEnabledOutputs[] = {"enabled"};
 constexpr Name kCounterOutputs[] = {"decodeErrors", "crcErrors"};
 
+constexpr Addressed kNothing;
+constexpr Addressed kAsic = {.asic = true};
+constexpr Addressed kCore = {.asic = true, .core = true};
+constexpr Addressed kPort = {.asic = true, .port = true};
+constexpr Addressed kLink = {.asic = true, .port = true, .link = true};
+
+// clang-format off
 constexpr auto kOperations = std::to_array<OperationInfo>({
-    {kAsicCtlOpen, "AsicCtlOpen", "AsicCtlOpen", {}},
-    {kAsicCtlClose, "AsicCtlClose", "AsicCtlClose", {}},
-    {kGetSwitchConfig, "GetSwitchConfig", "GetSwitchConfig", kSwitchOutputs},
-    {kGetSerDesInfoOfAsic, "GetSerDesInfo/asic", "GetSerDesInfo", kAsicOutputs},
-    {kGetSerDesInfoOfCore, "GetSerDesInfo/core", "GetSerDesInfo", kCoreOutputs},
-    {kGetSerDesInfoOfPort, "GetSerDesInfo/port", "GetSerDesInfo", kPortOutputs},
-    {kToString, "ToString", "ToString", kNameOutputs},
-    {kReadSerDesLinkRegister, "ReadSerDesLinkRegister", "ReadSerDesLinkRegister", kValueOutputs},
-    {kWriteSerDesLinkRegister, "WriteSerDesLinkRegister", "WriteSerDesLinkRegister", {}},
-    {kReadSerDesPLLRegister, "ReadSerDesPLLRegister", "ReadSerDesPLLRegister", kValueOutputs},
-    {kWriteSerDesPLLRegister, "WriteSerDesPLLRegister", "WriteSerDesPLLRegister", {}},
-    {kSetSerDesTxFFE, "SetSerDesTxFFE", "SetSerDesTxFFE", {}},
-    {kGetSerDesTxFFE, "GetSerDesTxFFE", "GetSerDesTxFFE", kFfeOutputs},
-    {kSetSerDesTxSlew, "SetSerDesTxSlew", "SetSerDesTxSlew", {}},
-    {kGetSerDesTxSlew, "GetSerDesTxSlew", "GetSerDesTxSlew", kSlewOutputs},
-    {kSetSerDesTxRateParams, "SetSerDesTxRateParams", "SetSerDesTxRateParams", {}},
-    {kGetSerDesTxRateParams, "GetSerDesTxRateParams", "GetSerDesTxRateParams", kTxParamOutputs},
-    {kSetSerDesRxDFE, "SetSerDesRxDFE", "SetSerDesRxDFE", {}},
-    {kGetSerDesRxDFE, "GetSerDesRxDFE", "GetSerDesRxDFE", kModeOutputs},
-    {kSetSerDesRxVGA, "SetSerDesRxVGA", "SetSerDesRxVGA", {}},
-    {kGetSerDesRxVGA, "GetSerDesRxVGA", "GetSerDesRxVGA", kVgaOutputs},
-    {kSetSerDesRxDFEState, "SetSerDesRxDFEState", "SetSerDesRxDFEState", {}},
-    {kGetSerDesRxDFEStats, "GetSerDesRxDFEStats", "GetSerDesRxDFEStats", kStatsOutputs},
-    {kSetSerDesRxRateParams, "SetSerDesRxRateParams", "SetSerDesRxRateParams", {}},
-    {kGetSerDesRxRateParams, "GetSerDesRxRateParams", "GetSerDesRxRateParams", kRxParamOutputs},
-    {kSetSerDesTestOption, "SetSerDesTestOption", "SetSerDesTestOption", {}},
-    {kGetSerDesTestStatus, "GetSerDesTestStatus", "GetSerDesTestStatus", kStatusOutputs},
-    {kPortCtlOpen, "PortCtlOpen", "PortCtlOpen", {}},
-    {kPortCtlClose, "PortCtlClose", "PortCtlClose", {}},
-    {kGetPortHwConfig, "GetPortHwConfig", "GetPortHwConfig", kHwConfigOutputs},
-    {kGetPortInfo, "GetPortInfo", "GetPortInfo", kValueOutputs},
-    {kSetPortCfgSpeed, "SetPortCfgSpeed", "SetPortCfgSpeed", {}},
-    {kGetPortCfgSpeed, "GetPortCfgSpeed", "GetPortCfgSpeed", kSpeedOutputs},
-    {kGetPortSpeed, "GetPortSpeed", "GetPortSpeed", kSpeedOutputs},
-    {kGetMediaHwFcXmtrType, "GetMediaHwFcXmtrType", "GetMediaHwFcXmtrType", kMediaOutputs},
-    {kTxStreamEnable, "TxStreamEnable", "TxStreamEnable", {}},
-    {kTxStreamState, "TxStreamState", "TxStreamState", kEnabledOutputs},
-    {kGetFrameStatCntrs, "GetFrameStatCntrs", "GetFrameStatCntrs", kCounterOutputs},
-    {kClrFrameStatCntrs, "ClrFrameStatCntrs", "ClrFrameStatCntrs", {}},
+    {.operation = kAsicCtlOpen, .name = "AsicCtlOpen", .symbol = "AsicCtlOpen", .addressed = kNothing, .outputs = {}},
+    {.operation = kAsicCtlClose, .name = "AsicCtlClose", .symbol = "AsicCtlClose", .addressed = kNothing, .outputs = {}},
+    {.operation = kGetSwitchConfig, .name = "GetSwitchConfig", .symbol = "GetSwitchConfig", .addressed = kNothing, .outputs = kSwitchOutputs},
+    {.operation = kGetSerDesInfoOfAsic, .name = "GetSerDesInfo/asic", .symbol = "GetSerDesInfo", .addressed = kAsic, .outputs = kAsicOutputs},
+    {.operation = kGetSerDesInfoOfCore, .name = "GetSerDesInfo/core", .symbol = "GetSerDesInfo", .addressed = kCore, .outputs = kCoreOutputs},
+    {.operation = kGetSerDesInfoOfPort, .name = "GetSerDesInfo/port", .symbol = "GetSerDesInfo", .addressed = kPort, .outputs = kPortOutputs},
+    {.operation = kToString, .name = "ToString", .symbol = "ToString", .addressed = kNothing, .outputs = kNameOutputs},
+    {.operation = kReadSerDesLinkRegister, .name = "ReadSerDesLinkRegister", .symbol = "ReadSerDesLinkRegister", .addressed = kLink, .outputs = kValueOutputs},
+    {.operation = kWriteSerDesLinkRegister, .name = "WriteSerDesLinkRegister", .symbol = "WriteSerDesLinkRegister", .addressed = kLink, .outputs = {}},
+    {.operation = kReadSerDesPLLRegister, .name = "ReadSerDesPLLRegister", .symbol = "ReadSerDesPLLRegister", .addressed = kCore, .outputs = kValueOutputs},
+    {.operation = kWriteSerDesPLLRegister, .name = "WriteSerDesPLLRegister", .symbol = "WriteSerDesPLLRegister", .addressed = kCore, .outputs = {}},
+    {.operation = kSetSerDesTxFFE, .name = "SetSerDesTxFFE", .symbol = "SetSerDesTxFFE", .addressed = kLink, .outputs = {}},
+    {.operation = kGetSerDesTxFFE, .name = "GetSerDesTxFFE", .symbol = "GetSerDesTxFFE", .addressed = kLink, .outputs = kFfeOutputs},
+    {.operation = kSetSerDesTxSlew, .name = "SetSerDesTxSlew", .symbol = "SetSerDesTxSlew", .addressed = kLink, .outputs = {}},
+    {.operation = kGetSerDesTxSlew, .name = "GetSerDesTxSlew", .symbol = "GetSerDesTxSlew", .addressed = kLink, .outputs = kSlewOutputs},
+    {.operation = kSetSerDesTxRateParams, .name = "SetSerDesTxRateParams", .symbol = "SetSerDesTxRateParams", .addressed = kPort, .outputs = {}},
+    {.operation = kGetSerDesTxRateParams, .name = "GetSerDesTxRateParams", .symbol = "GetSerDesTxRateParams", .addressed = kPort, .outputs = kTxParamOutputs},
+    {.operation = kSetSerDesRxDFE, .name = "SetSerDesRxDFE", .symbol = "SetSerDesRxDFE", .addressed = kLink, .outputs = {}},
+    {.operation = kGetSerDesRxDFE, .name = "GetSerDesRxDFE", .symbol = "GetSerDesRxDFE", .addressed = kLink, .outputs = kModeOutputs},
+    {.operation = kSetSerDesRxVGA, .name = "SetSerDesRxVGA", .symbol = "SetSerDesRxVGA", .addressed = kLink, .outputs = {}},
+    {.operation = kGetSerDesRxVGA, .name = "GetSerDesRxVGA", .symbol = "GetSerDesRxVGA", .addressed = kLink, .outputs = kVgaOutputs},
+    {.operation = kSetSerDesRxDFEState, .name = "SetSerDesRxDFEState", .symbol = "SetSerDesRxDFEState", .addressed = kLink, .outputs = {}},
+    {.operation = kGetSerDesRxDFEStats, .name = "GetSerDesRxDFEStats", .symbol = "GetSerDesRxDFEStats", .addressed = kLink, .outputs = kStatsOutputs},
+    {.operation = kSetSerDesRxRateParams, .name = "SetSerDesRxRateParams", .symbol = "SetSerDesRxRateParams", .addressed = kPort, .outputs = {}},
+    {.operation = kGetSerDesRxRateParams, .name = "GetSerDesRxRateParams", .symbol = "GetSerDesRxRateParams", .addressed = kPort, .outputs = kRxParamOutputs},
+    {.operation = kSetSerDesTestOption, .name = "SetSerDesTestOption", .symbol = "SetSerDesTestOption", .addressed = kLink, .outputs = {}},
+    {.operation = kGetSerDesTestStatus, .name = "GetSerDesTestStatus", .symbol = "GetSerDesTestStatus", .addressed = kLink, .outputs = kStatusOutputs},
+    {.operation = kPortCtlOpen, .name = "PortCtlOpen", .symbol = "PortCtlOpen", .addressed = kNothing, .outputs = {}},
+    {.operation = kPortCtlClose, .name = "PortCtlClose", .symbol = "PortCtlClose", .addressed = kNothing, .outputs = {}},
+    {.operation = kGetPortHwConfig, .name = "GetPortHwConfig", .symbol = "GetPortHwConfig", .addressed = kPort, .outputs = kHwConfigOutputs},
+    {.operation = kGetPortInfo, .name = "GetPortInfo", .symbol = "GetPortInfo", .addressed = kPort, .outputs = kValueOutputs},
+    {.operation = kSetPortCfgSpeed, .name = "SetPortCfgSpeed", .symbol = "SetPortCfgSpeed", .addressed = kPort, .outputs = {}},
+    {.operation = kGetPortCfgSpeed, .name = "GetPortCfgSpeed", .symbol = "GetPortCfgSpeed", .addressed = kPort, .outputs = kSpeedOutputs},
+    {.operation = kGetPortSpeed, .name = "GetPortSpeed", .symbol = "GetPortSpeed", .addressed = kPort, .outputs = kSpeedOutputs},
+    {.operation = kGetMediaHwFcXmtrType, .name = "GetMediaHwFcXmtrType", .symbol = "GetMediaHwFcXmtrType", .addressed = kPort, .outputs = kMediaOutputs},
+    {.operation = kTxStreamEnable, .name = "TxStreamEnable", .symbol = "TxStreamEnable", .addressed = kPort, .outputs = {}},
+    {.operation = kTxStreamState, .name = "TxStreamState", .symbol = "TxStreamState", .addressed = kPort, .outputs = kEnabledOutputs},
+    {.operation = kGetFrameStatCntrs, .name = "GetFrameStatCntrs", .symbol = "GetFrameStatCntrs", .addressed = kPort, .outputs = kCounterOutputs},
+    {.operation = kClrFrameStatCntrs, .name = "ClrFrameStatCntrs", .symbol = "ClrFrameStatCntrs", .addressed = kPort, .outputs = {}},
 });
+// clang-format on
 
 constexpr bool isInOrder() {
   for (std::size_t i = 0; i < kOperations.size(); ++i) {
@@ -91,33 +99,6 @@ const OperationInfo& operationInfo(Operation operation) {
   return kOperations[static_cast<std::size_t>(operation)];
 }
 
-Addressed addressedBy(Operation operation) {
-  switch (operation) {
-    case kAsicCtlOpen:
-    case kAsicCtlClose:
-    case kPortCtlOpen:
-    case kPortCtlClose:
-    case kGetSwitchConfig:
-    case kToString:
-      return {};
-    case kGetSerDesInfoOfAsic:
-      return {.asic = true};
-    case kGetSerDesInfoOfCore:
-    case kReadSerDesPLLRegister:
-    case kWriteSerDesPLLRegister:
-      return {.asic = true, .core = true};
-    case kGetSerDesInfoOfPort:
-    case kSetSerDesTxRateParams:
-    case kGetSerDesTxRateParams:
-    case kSetSerDesRxRateParams:
-    case kGetSerDesRxRateParams:
-      return {.asic = true, .port = true};
-    default:
-      // The rest of AsicControl works on links, all of PortControl on ports.
-      return {.asic = true, .port = true, .link = operation < kPortCtlOpen};
-  }
-}
-
 std::optional<Operation> findOperation(std::string_view name) {
   for (const OperationInfo& info : kOperations) {
     if (info.name == name) return info.operation;
@@ -125,4 +106,4 @@ std::optional<Operation> findOperation(std::string_view name) {
   return std::nullopt;
 }
 
-}  // namespace simulator
+}  // namespace operations

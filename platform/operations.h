@@ -1,4 +1,4 @@
-// The platform's operations by name, with the names of what each hands back: the words of the trace and of the faults.
+// The platform's operations, a row each: how faults and traces call them, what a call names, what it hands back.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,7 @@
 #include <span>
 #include <string_view>
 
-namespace simulator {
+namespace operations {
 
 enum class Operation : std::uint8_t {
   kAsicCtlOpen,
@@ -50,13 +50,6 @@ enum class Operation : std::uint8_t {
   kClrFrameStatCntrs,
 };
 
-struct OperationInfo {
-  Operation operation;
-  std::string_view name;    // as faults call it; GetSerDesInfo has a name for each of its three forms
-  std::string_view symbol;  // as the platform and the trace call it
-  std::span<const std::string_view> outputs;
-};
-
 // What the calls of an operation name.
 struct Addressed {
   bool asic = false;
@@ -65,10 +58,17 @@ struct Addressed {
   bool core = false;
 };
 
+struct OperationInfo {
+  Operation operation;
+  std::string_view name;    // as faults call it; GetSerDesInfo has a name for each of its three forms
+  std::string_view symbol;  // as the platform and the trace call it
+  Addressed addressed;
+  std::span<const std::string_view> outputs;  // what a call hands back, in the order of its trace; empty for a set
+};
+
 // In the order of the enumeration.
 std::span<const OperationInfo> allOperations();
 const OperationInfo& operationInfo(Operation operation);
-Addressed addressedBy(Operation operation);
 std::optional<Operation> findOperation(std::string_view name);
 
-}  // namespace simulator
+}  // namespace operations

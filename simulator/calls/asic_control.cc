@@ -5,33 +5,6 @@ namespace simulator {
 namespace {
 
 constexpr Side kSide = Side::kAsic;
-constexpr Output::Form kHex = Output::Form::kHex;
-
-// Values of registers that were read.
-Outputs registerOutputs(unsigned short* values, unsigned count) {
-  Outputs outputs;
-  for (unsigned i = 0; i < count; ++i)
-    outputs.emplace_back("value", values + i, kHex);
-  return outputs;
-}
-
-Arguments registerArguments(unsigned asic, unsigned port, int link, SerDesLinkType side, unsigned char address) {
-  return arguments(asic, port, link, side).addHex(address, 2);
-}
-
-Arguments pllArguments(unsigned asic, unsigned core, unsigned char address) {
-  return arguments(asic, core).addHex(address, 2);
-}
-
-Outputs statsOutputs(SerDesRxDFEStats* stats) {
-  constexpr std::array<std::string_view, kDfeTapCount> kNames = {"h0", "h1", "h2", "h3", "h4",
-                                                                 "h5", "h6", "h7", "h8", "h9"};
-  Outputs outputs{{"leadingWord", &stats->leadingWord}};
-  for (std::size_t i = 0; i < kDfeTapCount; ++i)
-    outputs.emplace_back(kNames[i], &stats->h[i]);
-  outputs.insert(outputs.end(), {{"Ap", &stats->Ap}, {"Amin", &stats->Amin}, {"An", &stats->An}});
-  return outputs;
-}
 
 CallSite site(Operation operation, unsigned asic, unsigned port) {
   return {.operation = operation, .asic = asic, .port = port};
@@ -59,22 +32,15 @@ int AsicControl::AsicCtlClose() {
 
 int AsicControl::GetSwitchConfig(Switch_HW_Config_t* config) {
   return platformCall(
-      kSide, {.operation = kGetSwitchConfig}, {}, [&](Switch& sw) { return sw.getSwitchConfig(config); },
-      [&] {
-        return Outputs{{"NumSlots", &config->NumSlots},
-                       {"NumUserPorts", &config->NumUserPorts},
-                       {"NumAuxPorts", &config->NumAuxPorts},
-                       {"NumASICs", &config->NumASICs}};
-      });
+      kSide, {.operation = kGetSwitchConfig}, arguments(), [&](Switch& sw) { return sw.getSwitchConfig(config); },
+      [&] { return outputs(config); });
 }
 
 int AsicControl::GetSerDesInfo(unsigned int asic, unsigned int* portCount, unsigned int* coreCount) {
   return platformCall(
       kSide, {.operation = kGetSerDesInfoOfAsic, .asic = asic}, arguments(asic),
       [&](Switch& sw) { return sw.getAsicInfo(asic, portCount, coreCount); },
-      [&] {
-        return Outputs{{"portCount", portCount}, {"coreCount", coreCount}};
-      });
+      [&] { return outputs(portCount, coreCount); });
 }
 
 int AsicControl::GetSerDesInfo(unsigned int asic, unsigned int core, unsigned short* firstPort, SerDesType* type,
@@ -87,13 +53,7 @@ int AsicControl::GetSerDesInfo(unsigned int asic, unsigned int core, unsigned sh
                               {pllRegisterCount, rxRegisterCount, txRegisterCount, rxParamCount, txParamCount});
       },
       [&] {
-        return Outputs{{"firstPort", firstPort},
-                       {"type", type},
-                       {"pllRegisterCount", pllRegisterCount},
-                       {"rxRegisterCount", rxRegisterCount},
-                       {"txRegisterCount", txRegisterCount},
-                       {"rxParamCount", rxParamCount},
-                       {"txParamCount", txParamCount}};
+        return outputs(firstPort, type, pllRegisterCount, rxRegisterCount, txRegisterCount, rxParamCount, txParamCount);
       });
 }
 
@@ -102,9 +62,7 @@ int AsicControl::GetSerDesInfo(unsigned int asic, unsigned int port, SerDesLinkT
   return platformCall(
       kSide, site(kGetSerDesInfoOfPort, asic, port), arguments(asic, port, side),
       [&](Switch& sw) { return sw.getPortSideInfo(asic, port, side, linkCount, type, coreId); },
-      [&] {
-        return Outputs{{"linkCount", linkCount}, {"type", type}, {"coreId", coreId}};
-      });
+      [&] { return outputs(linkCount, type, coreId); });
 }
 
 const char* AsicControl::ToString(SerDesType type) {
@@ -114,8 +72,7 @@ const char* AsicControl::ToString(SerDesType type) {
 int AsicControl::ReadSerDesLinkRegister(unsigned int asic, unsigned int port, int link, SerDesLinkType side,
                                         unsigned char address, unsigned short* values, unsigned char count) {
   return platformCall(
-      kSide, site(kReadSerDesLinkRegister, asic, port, link),
-      registerArguments(asic, port, link, side, address).add(std::int64_t{count}),
+      kSide, site(kReadSerDesLinkRegister, asic, port, link), arguments(asic, port, link, side, Hex{address, 2}, count),
       [&](Switch& sw) { return sw.readLinkRegisters(asic, port, link, side, address, values, count); },
       [&] { return registerOutputs(values, count); });
 }
@@ -123,14 +80,14 @@ int AsicControl::ReadSerDesLinkRegister(unsigned int asic, unsigned int port, in
 int AsicControl::WriteSerDesLinkRegister(unsigned int asic, unsigned int port, int link, SerDesLinkType side,
                                          unsigned char address, unsigned short value) {
   return platformCall(kSide, site(kWriteSerDesLinkRegister, asic, port, link),
-                      registerArguments(asic, port, link, side, address).addHex(value, 4),
+                      arguments(asic, port, link, side, Hex{address, 2}, Hex{value, 4}),
                       [&](Switch& sw) { return sw.writeLinkRegister(asic, port, link, side, address, value); });
 }
 
 int AsicControl::ReadSerDesPLLRegister(unsigned int asic, unsigned int core, unsigned char address,
                                        unsigned short* values, unsigned char count) {
   return platformCall(
-      kSide, coreSite(kReadSerDesPLLRegister, asic, core), pllArguments(asic, core, address).add(std::int64_t{count}),
+      kSide, coreSite(kReadSerDesPLLRegister, asic, core), arguments(asic, core, Hex{address, 2}, count),
       [&](Switch& sw) { return sw.readPllRegisters(asic, core, address, values, count); },
       [&] { return registerOutputs(values, count); });
 }
@@ -138,7 +95,7 @@ int AsicControl::ReadSerDesPLLRegister(unsigned int asic, unsigned int core, uns
 int AsicControl::WriteSerDesPLLRegister(unsigned int asic, unsigned int core, unsigned char address,
                                         unsigned short value) {
   return platformCall(kSide, coreSite(kWriteSerDesPLLRegister, asic, core),
-                      pllArguments(asic, core, address).addHex(value, 4),
+                      arguments(asic, core, Hex{address, 2}, Hex{value, 4}),
                       [&](Switch& sw) { return sw.writePllRegister(asic, core, address, value); });
 }
 
@@ -168,9 +125,7 @@ int AsicControl::GetSerDesTxFFE(unsigned int asic, unsigned int port, int link, 
         *c3 = static_cast<signed char>(settings.c[3]);
         return kOk;
       },
-      [&] {
-        return Outputs{{"mode", mode}, {"k", k}, {"c0", c0}, {"c1", c1}, {"c2", c2}, {"c3", c3}};
-      });
+      [&] { return outputs(mode, k, c0, c1, c2, c3); });
 }
 
 int AsicControl::SetSerDesTxSlew(unsigned int asic, unsigned int port, int link, bool enable, SerDesTxSlewRate slew) {
@@ -181,10 +136,7 @@ int AsicControl::SetSerDesTxSlew(unsigned int asic, unsigned int port, int link,
 int AsicControl::GetSerDesTxSlew(unsigned int asic, unsigned int port, int link, bool* enable, SerDesTxSlewRate* slew) {
   return platformCall(
       kSide, site(kGetSerDesTxSlew, asic, port, link), arguments(asic, port, link),
-      [&](Switch& sw) { return sw.getTxSlew(asic, port, link, enable, slew); },
-      [&] {
-        return Outputs{{"enable", enable}, {"slew", slew}};
-      });
+      [&](Switch& sw) { return sw.getTxSlew(asic, port, link, enable, slew); }, [&] { return outputs(enable, slew); });
 }
 
 int AsicControl::SetSerDesTxRateParams(unsigned int asic, unsigned int port, port_speed_type rate,
@@ -197,11 +149,7 @@ int AsicControl::GetSerDesTxRateParams(unsigned int asic, unsigned int port, por
                                        SerDesTxRateParams* params) {
   return platformCall(
       kSide, site(kGetSerDesTxRateParams, asic, port), arguments(asic, port, rate),
-      [&](Switch& sw) { return sw.getTxRateParams(asic, port, rate, params); },
-      [&] {
-        return Outputs{{"power", &params->power}, {"slew", &params->slew}, {"mode", &params->mode}, {"p0", &params->p0},
-                       {"p1", &params->p1},       {"p2", &params->p2},     {"p3", &params->p3}};
-      });
+      [&](Switch& sw) { return sw.getTxRateParams(asic, port, rate, params); }, [&] { return outputs(params); });
 }
 
 int AsicControl::SetSerDesRxDFE(unsigned int asic, unsigned int port, int link, SerDesRxDFEMode mode) {
@@ -212,10 +160,7 @@ int AsicControl::SetSerDesRxDFE(unsigned int asic, unsigned int port, int link, 
 int AsicControl::GetSerDesRxDFE(unsigned int asic, unsigned int port, int link, SerDesRxDFEMode* mode) {
   return platformCall(
       kSide, site(kGetSerDesRxDFE, asic, port, link), arguments(asic, port, link),
-      [&](Switch& sw) { return sw.getRxDfe(asic, port, link, mode); },
-      [&] {
-        return Outputs{{"mode", mode}};
-      });
+      [&](Switch& sw) { return sw.getRxDfe(asic, port, link, mode); }, [&] { return outputs(mode); });
 }
 
 int AsicControl::SetSerDesRxVGA(unsigned int asic, unsigned int port, int link, signed char pole, signed char peak,
@@ -238,20 +183,19 @@ int AsicControl::GetSerDesRxVGA(unsigned int asic, unsigned int port, int link, 
         *amax = static_cast<signed char>(settings.amax);
         return kOk;
       },
-      [&] {
-        return Outputs{{"pole", pole}, {"peak", peak}, {"amax", amax}};
-      });
+      [&] { return outputs(pole, peak, amax); });
 }
 
 int AsicControl::SetSerDesRxDFEState(unsigned int asic, unsigned int port, int link, SerDesRxDFEState* state) {
-  return platformCall(kSide, site(kSetSerDesRxDFEState, asic, port, link), arguments(asic, port, link).add(state),
+  return platformCall(kSide, site(kSetSerDesRxDFEState, asic, port, link),
+                      arguments(asic, port, link, const_cast<const SerDesRxDFEState*>(state)),
                       [&](Switch& sw) { return sw.setRxDfeState(asic, port, link, state); });
 }
 
 int AsicControl::GetSerDesRxDFEStats(unsigned int asic, unsigned int port, int link, SerDesRxDFEStats* stats) {
   return platformCall(
       kSide, site(kGetSerDesRxDFEStats, asic, port, link), arguments(asic, port, link),
-      [&](Switch& sw) { return sw.getRxDfeStats(asic, port, link, stats); }, [&] { return statsOutputs(stats); });
+      [&](Switch& sw) { return sw.getRxDfeStats(asic, port, link, stats); }, [&] { return outputs(stats); });
 }
 
 int AsicControl::SetSerDesRxRateParams(unsigned int asic, unsigned int port, port_speed_type rate,
@@ -264,14 +208,7 @@ int AsicControl::GetSerDesRxRateParams(unsigned int asic, unsigned int port, por
                                        SerDesRxRateParams* params) {
   return platformCall(
       kSide, site(kGetSerDesRxRateParams, asic, port), arguments(asic, port, rate),
-      [&](Switch& sw) { return sw.getRxRateParams(asic, port, rate, params); },
-      [&] {
-        return Outputs{{"mode", &params->mode},
-                       {"p0", &params->p0},
-                       {"p1", &params->p1},
-                       {"p2", &params->p2},
-                       {"p3", &params->p3}};
-      });
+      [&](Switch& sw) { return sw.getRxRateParams(asic, port, rate, params); }, [&] { return outputs(params); });
 }
 
 int AsicControl::SetSerDesTestOption(unsigned int asic, unsigned int port, int link, SerDesTestOption option,
@@ -284,8 +221,5 @@ int AsicControl::GetSerDesTestStatus(unsigned int asic, unsigned int port, int l
                                      int* status) {
   return platformCall(
       kSide, site(kGetSerDesTestStatus, asic, port, link), arguments(asic, port, link, option),
-      [&](Switch& sw) { return sw.getTestStatus(asic, port, link, option, status); },
-      [&] {
-        return Outputs{{"status", status}};
-      });
+      [&](Switch& sw) { return sw.getTestStatus(asic, port, link, option, status); }, [&] { return outputs(status); });
 }

@@ -1,28 +1,28 @@
 // Faults and trace around a call.
 #include "simulator/calls/platform_call.h"
 
+#include <string>
+
 namespace simulator {
 namespace {
 
-std::string lineOf(std::string_view symbol, std::string_view arguments, const std::string& outputs, int code) {
-  std::string line = std::string(symbol) + '(' + std::string(arguments) + ')';
-  if (!outputs.empty()) line += " -> " + outputs;
-  return line + " = " + std::to_string(code);
-}
-
-// A fault on opening or closing strikes after the deed would have been done; the deed is left undone.
+// A fault on opening or closing strikes after the operation would have been carried out; it is left undone.
 int faultOf(Switch* theSwitch, Operation operation) {
   const FaultDescription* fault = theSwitch == nullptr ? nullptr : theSwitch->beginCall({.operation = operation});
   return fault == nullptr ? kOk : fault->code;
 }
 
-// Runs `deed` and traces it under the operation's name.
-template <typename Deed>
-int tracedCall(Operation operation, Deed deed) noexcept {
+// Opens or closes by `action` and traces it under the operation's name.
+template <typename Action>
+int tracedCall(Operation operation, Action action) noexcept {
   try {
     Session& session = Session::instance();
-    const int code = deed(session);
-    if (session.trace().isOn()) session.trace().line(lineOf(operationInfo(operation).symbol, "", "", code));
+    const int code = action(session);
+    if (Trace& trace = session.trace(); trace.isOn()) {
+      CallText text;
+      appendCall(text, operation, arguments(), {}, code);
+      trace.line(text.text());
+    }
     return code;
   } catch (...) {
     return kInternalError;
@@ -31,8 +31,8 @@ int tracedCall(Operation operation, Deed deed) noexcept {
 
 }  // namespace
 
-PlatformCall::PlatformCall(Side side, const CallSite& site, const Arguments& arguments)
-    : info_(operationInfo(site.operation)), arguments_(arguments.text()), switch_(Session::instance().find(side)) {
+PlatformCall::PlatformCall(Side side, const CallSite& site)
+    : info_(operationInfo(site.operation)), switch_(Session::instance().find(side)) {
   if (switch_ == nullptr) {
     code_ = kNotOpen;
     return;
@@ -41,21 +41,16 @@ PlatformCall::PlatformCall(Side side, const CallSite& site, const Arguments& arg
   if (fault_ != nullptr && !fault_->answer) code_ = fault_->code;
 }
 
-int PlatformCall::finish(const Outputs& outputs) {
-  if (code_ >= 0 && fault_ != nullptr && fault_->answer) {
-    for (const Output& output : outputs) {
-      if (output.name() == fault_->answer->output) output.replace(fault_->answer->value);
-    }
+void PlatformCall::replaceOutput(const Outputs& outputs) const {
+  for (std::size_t i = 0; i < outputs.count; ++i) {
+    if (info_.outputs[i] == fault_->answer->output) outputs.places[i].replace(fault_->answer->value);
   }
-  // What hands nothing back is a set. It is kept before anybody hears that it succeeded.
+}
+
+void PlatformCall::finish(int code) {
+  code_ = code;
+  // What hands nothing back is a set.
   if (code_ >= 0 && info_.outputs.empty()) code_ = Session::instance().keep();
-  Trace& trace = Session::instance().trace();
-  if (!trace.isOn()) return code_;
-  std::string text;
-  for (const Output& output : outputs)
-    text += (text.empty() ? "" : ", ") + output.text();
-  trace.line(lineOf(info_.symbol, arguments_, text, code_));
-  return code_;
 }
 
 int openCall(Side side, Operation operation) noexcept {
@@ -87,9 +82,9 @@ const char* typeNameCall(SerDesType type) noexcept {
         theSwitch == nullptr ? nullptr : theSwitch->beginCall({.operation = Operation::kToString});
     const char* name = theSwitch == nullptr ? kUnknownType : theSwitch->typeName(type);
     if (fault != nullptr) name = fault->answer ? fault->answer->text.c_str() : nullptr;
-    if (session.trace().isOn()) {
+    if (Trace& trace = session.trace(); trace.isOn()) {
       const std::string shown = name == nullptr ? "null" : '"' + std::string(name) + '"';
-      session.trace().line("ToString(" + std::to_string(static_cast<std::uint32_t>(type)) + ") -> " + shown);
+      trace.line("ToString(" + std::to_string(static_cast<std::uint32_t>(type)) + ") -> " + shown);
     }
     return name;
   } catch (...) {

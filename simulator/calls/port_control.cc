@@ -27,23 +27,13 @@ int PortControl::PortCtlClose() {
 int PortControl::GetPortHwConfig(port_id_t port, Port_HW_Config_t* config) {
   return platformCall(
       kSide, site(kGetPortHwConfig, port), arguments(port),
-      [&](Switch& sw) { return sw.getPortHwConfig(port, config); },
-      [&] {
-        return Outputs{{"userPort", &config->portId.userPort},
-                       {"asic", &config->portId.asic},
-                       {"asicPort", &config->portId.asicPort},
-                       {"presence", &config->presence},
-                       {"portType", &config->portType}};
-      });
+      [&](Switch& sw) { return sw.getPortHwConfig(port, config); }, [&] { return outputs(config); });
 }
 
 int PortControl::GetPortInfo(port_id_t port, port_info_t selector, unsigned long* value) {
   return platformCall(
       kSide, site(kGetPortInfo, port), arguments(port, selector),
-      [&](Switch& sw) { return sw.getPortInfo(port, selector, value); },
-      [&] {
-        return Outputs{{"value", value}};
-      });
+      [&](Switch& sw) { return sw.getPortInfo(port, selector, value); }, [&] { return outputs(value); });
 }
 
 int PortControl::SetPortCfgSpeed(port_id_t port, unsigned int speed) {
@@ -54,26 +44,19 @@ int PortControl::SetPortCfgSpeed(port_id_t port, unsigned int speed) {
 int PortControl::GetPortCfgSpeed(port_id_t port, unsigned int* speed) {
   return platformCall(
       kSide, site(kGetPortCfgSpeed, port), arguments(port),
-      [&](Switch& sw) { return sw.getConfiguredSpeed(port, speed); },
-      [&] {
-        return Outputs{{"speed", speed}};
-      });
+      [&](Switch& sw) { return sw.getConfiguredSpeed(port, speed); }, [&] { return outputs(speed); });
 }
 
 int PortControl::GetPortSpeed(port_id_t port, unsigned int* speed) {
   return platformCall(
       kSide, site(kGetPortSpeed, port), arguments(port), [&](Switch& sw) { return sw.getRunningSpeed(port, speed); },
-      [&] {
-        return Outputs{{"speed", speed}};
-      });
+      [&] { return outputs(speed); });
 }
 
 int PortControl::GetMediaHwFcXmtrType(port_id_t port, MediaHwFcXmtrType* type) {
   return platformCall(
       kSide, site(kGetMediaHwFcXmtrType, port), arguments(port), [&](Switch& sw) { return sw.getMedia(port, type); },
-      [&] {
-        return Outputs{{"type", type}};
-      });
+      [&] { return outputs(type); });
 }
 
 int PortControl::TxStreamEnable(port_id_t port, bool enable) {
@@ -84,18 +67,13 @@ int PortControl::TxStreamEnable(port_id_t port, bool enable) {
 int PortControl::TxStreamState(port_id_t port, bool* enabled) {
   return platformCall(
       kSide, site(kTxStreamState, port), arguments(port), [&](Switch& sw) { return sw.getStream(port, enabled); },
-      [&] {
-        return Outputs{{"enabled", enabled}};
-      });
+      [&] { return outputs(enabled); });
 }
 
 int PortControl::GetFrameStatCntrs(port_id_t port, drv_counters_t* counters) {
   return platformCall(
       kSide, site(kGetFrameStatCntrs, port), arguments(port),
-      [&](Switch& sw) { return sw.getCounters(port, counters); },
-      [&] {
-        return Outputs{{"decodeErrors", &counters->decodeErrors}, {"crcErrors", &counters->crcErrors}};
-      });
+      [&](Switch& sw) { return sw.getCounters(port, counters); }, [&] { return outputs(counters); });
 }
 
 int PortControl::ClrFrameStatCntrs(port_id_t port) {

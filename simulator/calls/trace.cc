@@ -9,10 +9,10 @@ bool Trace::open(const std::string& fileName) {
   return fileName.empty() || isOn();
 }
 
-void Trace::line(const std::string& text) {
+void Trace::line(std::string_view text) {
   if (!isOn()) return;
-  const std::string whole = text + '\n';
-  if (std::fwrite(whole.data(), 1, whole.size(), file_.get()) == whole.size() && std::fflush(file_.get()) == 0) return;
+  const bool isWhole = std::fwrite(text.data(), 1, text.size(), file_.get()) == text.size();
+  if (isWhole && std::fputc('\n', file_.get()) != EOF && std::fflush(file_.get()) == 0) return;
   std::fprintf(stderr, "simulated switch: %s: cannot be written, the trace ends here\n", fileName_.c_str());
   file_.reset();
 }

@@ -4,10 +4,13 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
+
+#include "simulator/api.h"
 
 namespace simulator {
 
-class Trace {
+class SIMULATOR_API Trace {
  public:
   // Writes to `fileName` from now on, or nowhere when it is empty. False, and nowhere, when it cannot be opened.
   bool open(const std::string& fileName);
@@ -19,7 +22,7 @@ class Trace {
     return file_ != nullptr;
   }
   // Writes a line at once: a run that crashes must not lose what led there.
-  void line(const std::string& text);
+  void line(std::string_view text);
 
  private:
   struct Closer {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/operations.h"
+#include "simulator/api.h"
 #include "simulator/error_codes.h"
 
 namespace simulator {
@@ -63,8 +63,8 @@ class RandomNumbers {
 class Faults {
  public:
   Faults(std::vector<FaultDescription> descriptions, std::uint32_t seed);
-  // The fault that befalls this call, the first in the order of the description; null when none does. Every fault that
-  // matches counts the call.
+  // The fault that applies to this call, the first in the order of the description; null when none does. Every fault
+  // that matches counts the call.
   const FaultDescription* onCall(const CallSite& call);
 
   const std::vector<FaultState>& states() const {

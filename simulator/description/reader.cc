@@ -144,7 +144,7 @@ void readCallSite(TomlTable& table, CallSite& where) {
   storeOptional(where.port, table.integer("port", 0, UINT32_MAX));
   storeOptional(where.link, table.integer("link", INT32_MIN, INT32_MAX));
   storeOptional(where.core, table.integer("core", 0, UINT32_MAX));
-  const Addressed addressed = addressedBy(where.operation);
+  const Addressed addressed = operationInfo(where.operation).addressed;
   const auto check = [&](std::string_view key, bool known) {
     if (table.has(key) && !known) table.fail(key, "the operation names no " + std::string(key));
   };

@@ -12,7 +12,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/operations.h"
 #include "simulator/api.h"
 #include "simulator/error_codes.h"
 
