@@ -11,6 +11,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "simulator/calls/session.h"
 #include "tests/unit/simulator/switch/switch_bench.h"
 
 namespace simulator {
@@ -259,7 +260,7 @@ class StateSessions : public StateFiles {
     (void)unsetenv("SERDES_SIMULATOR_TRACE");
   }
   ~StateSessions() override {
-    close();
+    Session::instance() = {};  // faults may have left it open
     (void)unsetenv("SERDES_SIMULATOR_STATE");
     (void)unsetenv("SERDES_SIMULATOR_SWITCH");
   }
