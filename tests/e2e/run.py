@@ -15,27 +15,27 @@ and, where it differs from the default switch:
   switch       the name of a shipped one, without .toml
   args         the words after `serdes`, one a line, instead of `script`
   env          NAME=VALUE a line, more environment
-Time is virtual, so that runs repeat exactly. Cases run in a copy of their folder.
+Time is virtual, so that runs repeat exactly. Cases run in a copy of their folder. SERDES names the binary, without it
+build/serdes is run.
 """
 import argparse
-import os
-import pathlib
 import shutil
-import subprocess
 import sys
 import tempfile
+from pathlib import Path
 
-HERE = pathlib.Path(__file__).resolve().parent
-SHIPPED = HERE.parent.parent / "simulator" / "switches"
-TIMEOUT_SECONDS = 120
-
+HERE = Path(__file__).resolve().parent
+sys.path.insert(0, str(HERE.parent / "support"))
+from serdes_runs import environment, run, shipped_switch
 
 # The operations of start-up and close.
-AROUND = {b"AsicCtlOpen", b"PortCtlOpen", b"GetSwitchConfig", b"GetSerDesInfo", b"GetPortHwConfig", b"AsicCtlClose",
-          b"PortCtlClose"}
+AROUND = set(b"AsicCtlOpen PortCtlOpen GetSwitchConfig GetSerDesInfo GetPortHwConfig AsicCtlClose PortCtlClose".split())
+
+# By the names of the expectation files.
+Results = dict[str, bytes]
 
 
-def without_start_and_close(calls):
+def without_start_and_close(calls: bytes) -> bytes:
     lines = calls.splitlines(True)
     around = [line.split(b"(")[0] in AROUND for line in lines]
     first = around.index(False) if False in around else len(lines)
@@ -43,35 +43,35 @@ def without_start_and_close(calls):
     return b"".join(lines[first:last])
 
 
-def read(path):
+def read(path: Path) -> bytes | None:
     return path.read_bytes() if path.exists() else None
 
 
-def run_case(serdes, case, work):
-    """Runs a case in `work` and returns what it gave, by the names of the expectation files."""
+def switch_of(case: Path) -> Path | str | None:
+    if (case / "switch").exists():
+        return shipped_switch((case / "switch").read_text().strip())
+    return "switch.toml" if (case / "switch.toml").exists() else None
+
+
+def run_case(case: Path, work: Path) -> Results:
+    """Runs a case in `work` and returns what it gave."""
     shutil.copytree(case, work, dirs_exist_ok=True)
-    trace = work / "calls.traced"
-    env = dict(os.environ, LC_ALL="C", SERDES_SIMULATOR_TRACE=str(trace), SERDES_SIMULATOR_CLOCK="virtual")
-    env.pop("SERDES_SIMULATOR_SWITCH", None)
-    env.pop("SERDES_SIMULATOR_STATE", None)
-    if (work / "switch.toml").exists():
-        env["SERDES_SIMULATOR_SWITCH"] = "switch.toml"
-    if (work / "switch").exists():
-        env["SERDES_SIMULATOR_SWITCH"] = str(SHIPPED / f"{(work / 'switch').read_text().strip()}.toml")
-    for line in (read(work / "env") or b"").decode().splitlines():
-        name, _, value = line.partition("=")
-        env[name] = value
-    stdin = work / "stdin"
-    args = (read(work / "args") or (b"" if stdin.exists() else b"script")).decode().splitlines()
-    with open(stdin if stdin.exists() else os.devnull, "rb") as typed:
-        done = subprocess.run([serdes, *args], cwd=work, env=env, stdin=typed, capture_output=True,
-                              timeout=TIMEOUT_SECONDS, check=False)
-    calls = read(trace) or b""
-    return {"out": done.stdout, "err": done.stderr, "status": b"%d\n" % done.returncode,
-            "calls": without_start_and_close(calls), "all_calls": calls}
+    more = dict(line.split("=", 1) for line in (read(work / "env") or b"").decode().splitlines())
+    typed = read(work / "stdin")
+    words = (read(work / "args") or (b"script" if typed is None else b"")).decode().splitlines()
+    env = environment(switch=switch_of(work), trace=work / "calls.traced") | more
+    done = run(*words, typed=typed or b"", folder=work, env=env)
+    calls = read(work / "calls.traced") or b""
+    return {
+        "out": done.stdout,
+        "err": done.stderr,
+        "status": b"%d\n" % done.returncode,
+        "calls": without_start_and_close(calls),
+        "all_calls": calls,
+    }
 
 
-def differences(case, got):
+def differences(case: Path, got: Results) -> list[str]:
     expected = {
         "out": read(case / "out"),
         "err": read(case / "err") or b"",
@@ -90,7 +90,7 @@ def differences(case, got):
     return found
 
 
-def difference(name, want, got):
+def difference(name: str, want: bytes, got: bytes) -> str:
     want_lines, got_lines = want.splitlines(True), got.splitlines(True)
     for number, (a, b) in enumerate(zip(want_lines, got_lines), 1):
         if a != b:
@@ -100,7 +100,7 @@ def difference(name, want, got):
     return f"{name}, line {shorter + 1}: {kind} {more[shorter]!r}"
 
 
-def update(case, got):
+def update(case: Path, got: Results) -> None:
     """Writes what the case gave as what is expected. Read the result before you commit it."""
     (case / "out").write_bytes(got["out"])
     for name, plain in (("err", b""), ("status", b"0\n")):
@@ -113,19 +113,17 @@ def update(case, got):
             (case / name).write_bytes(got[name])
 
 
-def main():
+def main() -> int:
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--serdes", required=True, help="the binary")
     parser.add_argument("--update", action="store_true", help="take what is printed as what is expected")
     parser.add_argument("cases", nargs="*", help="<command>/<case>; none: all")
     options = parser.parse_args()
-    names = options.cases or sorted({str(p.parent.relative_to(HERE)) for kind in ("script", "stdin")
-                                     for p in HERE.glob(f"*/*/{kind}")})
-    serdes = str(pathlib.Path(options.serdes).resolve())
+    everything = {str(path.parent.relative_to(HERE)) for path in HERE.glob("*/*/*") if path.name in ("script", "stdin")}
+    names = options.cases or sorted(everything)
     failed = 0
     for name in names:
         with tempfile.TemporaryDirectory() as work:
-            got = run_case(serdes, HERE / name, pathlib.Path(work))
+            got = run_case(HERE / name, Path(work))
         if options.update:
             update(HERE / name, got)
         found = differences(HERE / name, got)

@@ -24,7 +24,7 @@ def steps_of(block):
     steps = []
     for line in block.splitlines():
         if line.startswith(PROMPT):
-            steps.append((line[len(PROMPT):], []))
+            steps.append((line[len(PROMPT) :], []))
         else:
             steps[-1][1].append(line.rstrip())
     return steps
@@ -35,8 +35,15 @@ def run(serdes, commands, clock):
     env = dict(os.environ, LC_ALL="C", SERDES_SIMULATOR_CLOCK=clock)
     env.pop("SERDES_SIMULATOR_SWITCH", None)
     env.pop("SERDES_SIMULATOR_STATE", None)
-    done = subprocess.run([serdes], input="".join(f"{command}\n" for command in commands), text=True,
-                          capture_output=True, env=env, timeout=60, check=True)
+    done = subprocess.run(
+        [serdes],
+        input="".join(f"{command}\n" for command in commands),
+        text=True,
+        capture_output=True,
+        env=env,
+        timeout=60,
+        check=True,
+    )
     answers = done.stdout.split(PROMPT)[1:-1]
     assert len(answers) == len(commands), f"{len(commands)} commands, {len(answers)} answers"
     return [[line.rstrip() for line in answer.strip("\n").splitlines()] for answer in answers]
@@ -77,8 +84,12 @@ def main():
     for (typed, expected), got in zip(steps, answers):
         if not agrees(expected, got):
             failed += 1
-            print(f"FAILED {PROMPT}{typed}\n  expected\n    " + "\n    ".join(expected) + "\n  got\n    " +
-                  "\n    ".join(got))
+            print(
+                f"FAILED {PROMPT}{typed}\n  expected\n    "
+                + "\n    ".join(expected)
+                + "\n  got\n    "
+                + "\n    ".join(got)
+            )
     print(f"{len(steps) - failed} passed, {failed} failed")
     return 1 if failed or not steps else 0
 
