@@ -1,97 +1,97 @@
 #!/usr/bin/env python3
-"""Holds the tutorial's transcripts against the binary.
+"""Holds the transcripts of the tutorial and of the README against the binary, or refreshes them.
 
-A fenced block with the word `serdes` in docs/tutorial.md is a piece of one session at the prompt: lines that begin with
-the prompt are typed, the others are what the tool answers. All blocks together are run as one session on the default
-switch, in the clock that the tutorial tells its reader to choose. Trailing blanks do not count, and a line of three
-dots stands for any number of lines.
+A fenced block with the word `serdes` is a piece of one session at the prompt: lines that begin with the prompt are typed,
+the others are what the tool answers. All blocks of a page together are run as one session on the default switch, in the
+clock that the tutorial tells its reader to choose. Blanks at the end of a line and empty lines around an answer do not
+count, and a line of three dots stands for any number of lines.
 """
 import argparse
-import os
-import pathlib
 import re
-import subprocess
 import sys
+from collections.abc import Iterator
+from pathlib import Path
 
-TUTORIAL = pathlib.Path(__file__).resolve().parents[2] / "docs" / "tutorial.md"
-PROMPT = "serdes: "
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "support"))
+from serdes_runs import PROMPT, ROOT, environment, run
+
+TUTORIAL = ROOT / "docs" / "tutorial.md"
+PAGES = [TUTORIAL, ROOT / "README.md"]
 BLOCK = re.compile(r"^```serdes\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 CLOCK = re.compile(r"^export SERDES_SIMULATOR_CLOCK=(\S+)$", re.MULTILINE)
+LABEL = 19  # characters of a row
+ANY = "..."
 
 
-def steps_of(block):
-    """The (typed line, answer lines) of a block."""
-    steps = []
-    for line in block.splitlines():
-        if line.startswith(PROMPT):
-            steps.append((line[len(PROMPT) :], []))
-        else:
-            steps[-1][1].append(line.rstrip())
-    return steps
+def shown(text: str) -> list[str]:
+    return [line.rstrip() for line in text.strip("\n").splitlines()]
 
 
-def run(serdes, commands, clock):
-    """Types the commands and gives each one's answer lines, without the empty lines around them."""
-    env = dict(os.environ, LC_ALL="C", SERDES_SIMULATOR_CLOCK=clock)
-    env.pop("SERDES_SIMULATOR_SWITCH", None)
-    env.pop("SERDES_SIMULATOR_STATE", None)
-    done = subprocess.run(
-        [serdes],
-        input="".join(f"{command}\n" for command in commands),
-        text=True,
-        capture_output=True,
-        env=env,
-        timeout=60,
-        check=True,
-    )
-    answers = done.stdout.split(PROMPT)[1:-1]
-    assert len(answers) == len(commands), f"{len(commands)} commands, {len(answers)} answers"
-    return [[line.rstrip() for line in answer.strip("\n").splitlines()] for answer in answers]
+def steps_of(block: str) -> list[tuple[str, list[str]]]:
+    """What is typed in a block, and what is shown as its answer."""
+    steps = (step.partition("\n") for step in re.split(rf"^{PROMPT.decode()}", block, flags=re.MULTILINE)[1:])
+    return [(typed, shown(answer)) for typed, _, answer in steps]
 
 
-def agrees(expected, got):
-    """Whether the answer is the expected one, "..." standing for any lines."""
-    while expected and not expected[-1]:
-        expected = expected[:-1]
-    pattern = "".join("(?:.*\n)*" if line == "..." else re.escape(line) + "\n" for line in expected)
-    return re.fullmatch(pattern, "".join(f"{line}\n" for line in got)) is not None
+def answers_to(typed: list[str], clock: str) -> list[list[str]]:
+    done = run(typed="".join(f"{line}\n" for line in typed).encode(), env=environment(clock=clock))
+    answers = done.stdout.decode().split(PROMPT.decode())[1:-1]
+    assert len(answers) == len(typed), f"{len(typed)} lines, {len(answers)} answers"
+    return [shown(answer) for answer in answers]
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--serdes", required=True, help="the binary")
-    parser.add_argument("--update", action="store_true", help="write what the binary answers into the tutorial")
-    options = parser.parse_args()
-    text = TUTORIAL.read_text(encoding="utf-8")
+def agrees(expected: list[str], answer: list[str]) -> bool:
+    pattern = "".join("(?:.*\n)*" if line == ANY else re.escape(line) + "\n" for line in expected)
+    return re.fullmatch(pattern, "".join(f"{line}\n" for line in answer)) is not None
+
+
+def refreshed(expected: list[str], answer: list[str]) -> list[str]:
+    """The answer, cut as what was expected is: the rows of the same labels are shown."""
+    if ANY not in expected:
+        return answer
+    rest = iter(answer)
+    rows = []
+    for line in expected:
+        same_label = (row for row in rest if row[:LABEL].rstrip() == line[:LABEL].rstrip())
+        rows.append(ANY if line == ANY else next(same_label, line))
+    return rows
+
+
+def block_of(steps: list[tuple[str, list[str]]]) -> str:
+    """The text of a block: an answer is followed by an empty line."""
+    parts = ("\n".join([PROMPT.decode() + typed, *answer, *([""] if answer else [])]) for typed, answer in steps)
+    return "```serdes\n" + "\n".join(parts).rstrip("\n") + "\n```"
+
+
+def check(page: Path, clock: str, update: bool) -> bool:
+    text = page.read_text(encoding="utf-8")
     blocks = [steps_of(block) for block in BLOCK.findall(text)]
     steps = [step for block in blocks for step in block]
-    clock = CLOCK.search(text).group(1)
-    answers = run(str(pathlib.Path(options.serdes).resolve()), [typed for typed, _ in steps], clock)
-    if options.update:
-        left = iter(zip(steps, answers))
-
-        def filled(match):
-            lines = []
-            for _ in steps_of(match.group(1)):
-                (typed, expected), got = next(left)
-                # An answer that the tutorial cuts stays as it was written.
-                lines += [PROMPT + typed, *(expected if "..." in expected else got + [""] if got else [])]
-            return "```serdes\n" + "\n".join(lines).rstrip("\n") + "\n```"
-
-        TUTORIAL.write_text(BLOCK.sub(filled, text), encoding="utf-8")
-        return 0
+    answers = answers_to([typed for typed, _ in steps], clock)
+    if update:
+        left: Iterator[list[str]] = iter(answers)
+        new = [[(typed, refreshed(expected, next(left))) for typed, expected in block] for block in blocks]
+        written = iter(map(block_of, new))
+        page.write_text(BLOCK.sub(lambda _: next(written), text), encoding="utf-8")
+        steps = [step for block in new for step in block]
     failed = 0
-    for (typed, expected), got in zip(steps, answers):
-        if not agrees(expected, got):
+    for (typed, expected), answer in zip(steps, answers):
+        if not agrees(expected, answer):
             failed += 1
-            print(
-                f"FAILED {PROMPT}{typed}\n  expected\n    "
-                + "\n    ".join(expected)
-                + "\n  got\n    "
-                + "\n    ".join(got)
-            )
-    print(f"{len(steps) - failed} passed, {failed} failed")
-    return 1 if failed or not steps else 0
+            print(f"FAILED {page.name}: {PROMPT.decode()}{typed}")
+            print("\n    ".join(["  expected", *expected]))
+            print("\n    ".join(["  got", *answer]))
+    print(f"{page.name}: {len(steps) - failed} passed, {failed} failed")
+    return bool(steps) and not failed
+
+
+def main() -> int:
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--update", action="store_true", help="write what the binary answers into the pages")
+    options = parser.parse_args()
+    found = CLOCK.search(TUTORIAL.read_text(encoding="utf-8"))
+    assert found, "the tutorial chooses no clock"
+    return 0 if all([check(page, found[1], options.update) for page in PAGES]) else 1
 
 
 if __name__ == "__main__":

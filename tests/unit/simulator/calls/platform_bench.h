@@ -44,7 +44,7 @@ class Platform : public testing::Test {
     (void)setenv(kClock, "virtual", 1);
   }
   ~Platform() override {
-    // Closing would not do: faults may have left a side open, or a switch that no side has open, and a trace stays open.
+    // Closing would not do: faults may have left a side open, or a switch that no side has, and a trace stays open.
     Session::instance() = {};
     forgetEnvironment();
     std::filesystem::remove_all(folder_);
