@@ -21,8 +21,6 @@ from collections.abc import Callable, Mapping, Sequence
 from pathlib import Path
 from typing import IO, Any, Self
 
-import pyte
-
 ROOT = Path(__file__).resolve().parents[2]
 SERDES = os.path.abspath(os.environ.get("SERDES", ROOT / "build" / "serdes"))
 LIMIT_SECONDS = 120
@@ -164,6 +162,8 @@ class Terminal(Dialogue):
         folder: StrPath | None = None,
         root: StrPath = "/",
     ) -> None:
+        import pyte  # not every Python has it, and not every test needs it
+
         self.screen = pyte.Screen(COLUMNS, ROWS)
         # Keeps the beginning of a sequence or a character whose rest has not been read yet.
         self.stream = pyte.ByteStream(self.screen)

@@ -1,4 +1,5 @@
 // A test program that ends before its tests do has not passed: exit(0) somewhere in what it tests would hide the rest.
+// The order of a shuffled run is said first, so that a failure that depends on it can be seen again.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -11,8 +12,10 @@ bool isRunning = false;
 const pid_t testProgram = getpid();  // its children may end as they like
 
 class RunWatcher : public testing::EmptyTestEventListener {
-  void OnTestProgramStart(const testing::UnitTest&) override {
+  void OnTestProgramStart(const testing::UnitTest& tests) override {
     isRunning = true;
+    if (!GTEST_FLAG_GET(shuffle)) return;
+    (void)std::fprintf(stderr, "The order: --gtest_shuffle --gtest_random_seed=%d\n", tests.random_seed());
   }
   void OnTestProgramEnd(const testing::UnitTest&) override {
     isRunning = false;
