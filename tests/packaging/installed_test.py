@@ -8,10 +8,12 @@ import gzip
 import os
 import shutil
 import subprocess
+import sys
 import unittest
 from pathlib import Path
 
-from screen import LIMIT_SECONDS, Terminal
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "support"))
+from serdes_runs import LIMIT_SECONDS, Terminal
 
 ROOT = Path(os.environ["ROOT"])
 PACKAGES = Path(os.environ["PACKAGES"])
@@ -19,6 +21,7 @@ ENVIRONMENT = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C", "HOME": "
                "SERDES_SIMULATOR_CLOCK": "virtual"}
 LIBRARIES = ("libasicApi.so", "libswbApi.so", "libswServerApi.so")
 PROMPT = "serdes:"
+SHELL = ("/bin/bash", "--noprofile", "--norc", "-i")
 START = "switchHwConfig.NumSlots:"
 IMAGES = ROOT / "norvex/conf/images"
 
@@ -28,6 +31,11 @@ def run(*arguments, stdin="", **more):
     variables = [f"{name}={value}" for name, value in more.items()]
     return subprocess.run(["chroot", ROOT, "env", *variables, *arguments], input=stdin, text=True, capture_output=True,
                           env=ENVIRONMENT, timeout=LIMIT_SECONDS, check=False)
+
+
+def at_terminal(*command, folder="/", **more):
+    """A program of the root, at a terminal."""
+    return Terminal(program=command, env=ENVIRONMENT | more, root=ROOT, folder=folder)
 
 
 def check(*arguments, **more):
@@ -204,7 +212,7 @@ class Prompt(Installed):
 
     def session(self, command):
         """What a session shows: a table, a complaint, an empty line, help, a loop that is stopped, the end of input."""
-        with Terminal(ROOT, [command], ENVIRONMENT) as terminal:
+        with at_terminal(command) as terminal:
             self.wait_for_prompt(terminal)
             for number, line in enumerate(("showRate 4", "bogus", "", "setFFE ?"), start=2):
                 terminal.type(line + "\r")
@@ -215,7 +223,7 @@ class Prompt(Installed):
             self.wait_for_prompt(terminal, 6)
             terminal.type("\x04")
             status = terminal.exit_status()
-            return status, terminal.screen.text().rstrip()
+            return status, terminal.text()
 
     def test_prompt_and_loop_are_as_without_it(self):
         status, shown = self.session(self.COMMAND)
@@ -226,7 +234,7 @@ class Prompt(Installed):
         self.assertEqual(shown.count("passes. To stop looping"), 2)
 
     def test_tab_completes_command_words_and_keywords(self):
-        with Terminal(ROOT, [self.COMMAND], ENVIRONMENT) as terminal:
+        with at_terminal(self.COMMAND) as terminal:
             self.wait_for_prompt(terminal)
             terminal.type("CLEARe\t")
             terminal.wait_for(f"{PROMPT} clearErrors")
@@ -234,19 +242,19 @@ class Prompt(Installed):
             self.assertTrue(self.wait_for_prompt(terminal, 2).endswith(f"{PROMPT} clearErrors exg\n\n\n{PROMPT}"))
 
     def test_tab_shows_what_there_is_to_choose_from(self):
-        with Terminal(ROOT, [self.COMMAND], ENVIRONMENT) as terminal:
+        with at_terminal(self.COMMAND) as terminal:
             self.wait_for_prompt(terminal)
             terminal.type("showd\t\t\t")
             terminal.wait_for(f"\nshowDFE +showDFEStats *\n{PROMPT} showDFE")
 
     def test_lines_of_an_earlier_session_can_be_called_back(self):
-        with Terminal(ROOT, [self.COMMAND], ENVIRONMENT) as terminal:
+        with at_terminal(self.COMMAND) as terminal:
             self.wait_for_prompt(terminal)
             terminal.type("readPLL 1 7\r")
             self.assertIn("\nCore ID 1 at PLL address 0x07= 0x", self.wait_for_prompt(terminal, 2))
             terminal.type("exit\r")
             self.assertEqual(terminal.exit_status(), 0)
-        with Terminal(ROOT, [self.COMMAND], ENVIRONMENT) as terminal:
+        with at_terminal(self.COMMAND) as terminal:
             self.wait_for_prompt(terminal)
             terminal.type("\x1b[A\x1b[A")
             terminal.wait_for(f"{PROMPT} readPLL 1 7")
@@ -254,9 +262,9 @@ class Prompt(Installed):
     def test_a_platform_that_is_missing_is_reported_and_ends_it(self):
         shutil.move(simulator_folder(), ROOT / "root/lab/moved")
         try:
-            with Terminal(ROOT, [self.COMMAND], ENVIRONMENT) as terminal:
+            with at_terminal(self.COMMAND) as terminal:
                 self.assertEqual(terminal.exit_status(), 127)
-                self.assertIn("error while loading shared libraries", terminal.screen.text())
+                self.assertIn("error while loading shared libraries", terminal.text())
         finally:
             (folder,) = ROOT.glob("usr/lib/*-linux-gnu*")
             shutil.move(ROOT / "root/lab/moved", folder / "serdes-simulator")
@@ -297,8 +305,7 @@ class Completion(Installed):
 
     def completed(self, typed, pattern):
         """Types a line with tabs into a shell; the line must come to match the pattern and nothing more."""
-        with Terminal(ROOT, ["/bin/bash", "--noprofile", "--norc", "-i"], dict(ENVIRONMENT, HISTFILE=""),
-                      "/root/lab") as terminal:
+        with at_terminal(*SHELL, folder="/root/lab", HISTFILE="") as terminal:
             terminal.type("PS1='%'; . /usr/share/bash-completion/completions/serdes\r")
             terminal.wait_for("\n%")
             # What follows the tab shows where it left the line.
@@ -333,8 +340,7 @@ class Completion(Installed):
         self.completed("serdes \t\t", r"\nboth.serdes +factory.serdes +golden/ +tune.serdes +with blank.serdes *\n%serdes \|")
 
     def test_the_prompt_with_line_editing_completes_them_too(self):
-        with Terminal(ROOT, ["/bin/bash", "--noprofile", "--norc", "-i"], dict(ENVIRONMENT, HISTFILE=""),
-                      "/root/lab") as terminal:
+        with at_terminal(*SHELL, folder="/root/lab", HISTFILE="") as terminal:
             terminal.type("PS1='%'; . /usr/share/bash-completion/completions/serdes-prompt\r")
             terminal.wait_for("\n%")
             terminal.type("serdes-prompt fa\t|")

@@ -1,20 +1,21 @@
 #!/usr/bin/env python3
 """The state that the simulated switch keeps between runs, through the real binary, also when it is killed.
 
-The binary's path is in SERDES. Nothing here waits for a fixed time but the killers, for whom any time will do.
+Nothing here waits for a fixed time but the killers, for whom any time will do.
 """
 import os
-import pathlib
 import random
 import re
-import signal
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
+from pathlib import Path
 
-SERDES = os.path.abspath(os.environ["SERDES"])
-LIMIT_SECONDS = 60
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "support"))
+from serdes_runs import LIMIT_SECONDS, PROMPT, SERDES, Dialogue, environment, start
+
 EMULATED = SERDES.endswith("-emulated")  # where everything takes ten times as long
 KILLS = 24 if EMULATED else 240
 SETS = 250
@@ -37,85 +38,82 @@ speed = "8G"
 class Bench(unittest.TestCase):
     """A folder with a switch, its state and its trace."""
 
-    def setUp(self):
+    def setUp(self) -> None:
         # The disk of the machine is not what is tested here: memory is faster, and so more sets fall between two kills.
         memory = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
         self.folder = tempfile.TemporaryDirectory(dir=memory)
         self.addCleanup(self.folder.cleanup)
-        self.home = pathlib.Path(self.folder.name)
+        self.home = Path(self.folder.name)
         self.state = self.home / "state"
         self.trace = self.home / "trace"
         (self.home / "switch.toml").write_text(SWITCH)
 
-    def environment(self, **more):
-        env = dict(os.environ, LC_ALL="C", SERDES_SIMULATOR_SWITCH="switch.toml", SERDES_SIMULATOR_STATE="state",
-                   SERDES_SIMULATOR_TRACE="trace", SERDES_SIMULATOR_CLOCK="virtual")
-        env.update(more)
-        return env
+    def environment(self, **more: str) -> dict[str, str]:
+        return environment(switch="switch.toml", state="state", trace="trace") | more
 
-    def start(self, script, **more):
+    def start(self, script: str, **more: str) -> subprocess.Popen[bytes]:
         """A run of the lines of a script, which is not waited for."""
         (self.home / "script").write_text(script)
-        return subprocess.Popen([SERDES, "script"], cwd=self.home, env=self.environment(**more),
-                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        return start("script", folder=self.home, env=self.environment(**more), stderr=subprocess.PIPE)
 
-    def run_script(self, script, **more):
+    def run_script(self, script: str, **more: str) -> tuple[int, bytes, bytes]:
         process = self.start(script, **more)
         out, err = process.communicate(timeout=LIMIT_SECONDS)
         return process.returncode, out, err
 
-    def succeed(self, script, **more):
+    def dialogue(self) -> Dialogue:
+        return self.enterContext(Dialogue(folder=self.home, env=self.environment()))
+
+    def succeed(self, script: str, **more: str) -> bytes:
         status, out, err = self.run_script(script, **more)
         self.assertEqual((status, err), (0, b""), out)
         return out
 
 
 class BetweenRuns(Bench):
-    def test_settings_of_every_kind_survive(self):
-        self.succeed("setTxParams FFE3 99 -4 50 -20 0 60 0\nsetRxParams DFE1 3 2 0x33 1\nsetRate 4G 2\n"
-                     "setTxParamsCache 2G FFE2 77 0 60 -9 0 75 3\nsetTxEnable 0 3\nwriteRx 1 0 0x14 0x1234\n"
-                     "writePLL 0 0x05 0x4321\nrunTest 2 0 1 2\n")
-        show = ("showTxParams all\nshowRxParams all\nshowRate all\nshowTxParamsCache 2G all\nreadRx 1 0 0x14\n"
-                "readPLL 0 5\ngetTest 2 0 1\n")
+    def test_settings_of_every_kind_survive(self) -> None:
+        self.succeed(
+            "setTxParams FFE3 99 -4 50 -20 0 60 0\nsetRxParams DFE1 3 2 0x33 1\nsetRate 4G 2\n"
+            "setTxParamsCache 2G FFE2 77 0 60 -9 0 75 3\nsetTxEnable 0 3\nwriteRx 1 0 0x14 0x1234\n"
+            "writePLL 0 0x05 0x4321\nrunTest 2 0 1 2\n"
+        )
+        show = (
+            "showTxParams all\nshowRxParams all\nshowRate all\nshowTxParamsCache 2G all\nreadRx 1 0 0x14\n"
+            "readPLL 0 5\ngetTest 2 0 1\n"
+        )
         first = self.succeed(show)
         self.assertEqual(self.succeed(show), first)
-        for kept in (rb"FFE3 FFENone FFENone", rb"99  115  115  115", rb"DFE3 DFE1 DFE3 DFE3", rb"8G   8G   4G   8G",
-                     rb"0x1234", rb"0x4321"):
+        for kept in (
+            rb"FFE3 FFENone FFENone",
+            rb"99  115  115  115",
+            rb"DFE3 DFE1 DFE3 DFE3",
+            rb"8G   8G   4G   8G",
+            rb"0x1234",
+            rb"0x4321",
+        ):
             self.assertRegex(first, kept)
         self.state.unlink()
         self.assertNotEqual(self.succeed(show), first)
 
-    def test_each_set_is_kept_before_the_next(self):
-        process = subprocess.Popen([SERDES], cwd=self.home, env=self.environment(), stdin=subprocess.PIPE,
-                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        self.addCleanup(process.communicate)
-        for k in (11, 12):
-            process.stdin.write(b"setFFE FFE3 %d -4 55 -25 0 0\nreadTx 0 0 4\n" % k)
-            process.stdin.flush()
-            seen = b""
-            while b"= 0x%04x" % k not in seen:
-                seen += process.stdout.read1()
-            self.assertIn(b"0x%04x" % k, self.state.read_bytes())
-        process.kill()
-        process.communicate()
+    def test_each_set_is_kept_before_the_next(self) -> None:
+        with self.dialogue() as dialogue:
+            for k in (11, 12):
+                dialogue.type(b"setFFE FFE3 %d -4 55 -25 0 0\nreadTx 0 0 4\n" % k)
+                dialogue.read_to(b"= 0x%04x" % k)
+                self.assertIn(b"0x%04x" % k, self.state.read_bytes())
         self.assertIn(b"0x000c", self.succeed("readTx 0 0 4\n"))
 
-    def test_a_run_that_only_looks_writes_when_it_closes(self):
+    def test_a_run_that_only_looks_writes_when_it_closes(self) -> None:
         self.succeed("setFFE FFE3 11 -4 55 -25 0 0\n")
         before = self.state.stat()
-        process = subprocess.Popen([SERDES], cwd=self.home, env=self.environment(), stdin=subprocess.PIPE,
-                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        process.stdin.write(b"showFFE all\nshowRate all\nshowDFEStats all\nreadRx 0 0 0x0c\nreadTx 0 0 4\n")
-        process.stdin.flush()
-        seen = b""
-        while b"= 0x000b" not in seen:
-            seen += process.stdout.read1()
+        dialogue = self.dialogue()
+        dialogue.type(b"showFFE all\nshowRate all\nshowDFEStats all\nreadRx 0 0 0x0c\nreadTx 0 0 4\n")
+        dialogue.read_to(b"= 0x000b")
         self.assertEqual(self.state.stat().st_ino, before.st_ino)
-        process.communicate(b"exit\n", timeout=LIMIT_SECONDS)
-        self.assertEqual(process.returncode, 0)
+        self.assertEqual(dialogue.exit_status(), 0)
         self.assertNotEqual(self.state.stat().st_ino, before.st_ino)
 
-    def test_no_file_is_kept_unless_one_is_named(self):
+    def test_no_file_is_kept_unless_one_is_named(self) -> None:
         self.succeed("setFFE FFE3 11 -4 55 -25 0 0\n", SERDES_SIMULATOR_STATE="")
         self.assertEqual(sorted(p.name for p in self.home.iterdir()), ["script", "switch.toml", "trace"])
 
@@ -123,23 +121,18 @@ class BetweenRuns(Bench):
 class AnotherSession(Bench):
     REFUSAL = b"simulated switch: state: another session uses it\n"
 
-    def test_is_refused_while_one_runs_and_let_in_afterwards(self):
-        first = subprocess.Popen([SERDES], cwd=self.home, env=self.environment(), stdin=subprocess.PIPE,
-                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        self.addCleanup(first.communicate)
-        seen = b""
-        while b"serdes: " not in seen:
-            seen += first.stdout.read1()
+    def test_is_refused_while_one_runs_and_let_in_afterwards(self) -> None:
+        first = self.dialogue()
+        first.read_to(PROMPT)
         status, out, err = self.run_script("setFFE FFE3 11 -4 55 -25 0 0\n")
         self.assertEqual(err, self.REFUSAL)
         self.assertTrue(out.startswith(b"openSerdes: serdes err -14\n"), out)
         self.assertEqual(status, 255)
         self.assertFalse(self.state.exists())
-        first.communicate(b"exit\n", timeout=LIMIT_SECONDS)
-        self.assertEqual(first.returncode, 0)
+        self.assertEqual(first.exit_status(), 0)
         self.succeed("setFFE FFE3 11 -4 55 -25 0 0\n")
 
-    def test_of_two_that_start_at_once_one_gets_the_file(self):
+    def test_of_two_that_start_at_once_one_gets_the_file(self) -> None:
         script = "".join(f"setFFE FFE3 {k} -4 55 -25 0 0\n" for k in range(1, SETS))
         for _ in range(10):
             runs = [self.start(script) for _ in range(2)]
@@ -150,17 +143,18 @@ class AnotherSession(Bench):
 
 
 class UnusableFile(Bench):
-    def refused(self, content, reason):
+    def refused(self, content: bytes, reason: bytes) -> None:
         self.state.write_bytes(content)
         status, out, err = self.run_script("setFFE FFE3 22 -4 55 -25 0 0\nshowFFE 0\n")
         self.assertEqual(err, b"simulated switch: state: " + reason + b"\n")
         self.assertTrue(out.startswith(b"openSerdes: serdes err -15\n"), out)
         self.assertEqual(status, 255)
         self.assertEqual(self.state.read_bytes(), content)
-        self.assertEqual(sorted(p.name for p in self.home.iterdir()),
-                         ["script", "state", "state.lock", "switch.toml", "trace"])
+        self.assertEqual(
+            sorted(p.name for p in self.home.iterdir()), ["script", "state", "state.lock", "switch.toml", "trace"]
+        )
 
-    def test_is_refused_and_left_as_it_is(self):
+    def test_is_refused_and_left_as_it_is(self) -> None:
         self.succeed("setFFE FFE3 11 -4 55 -25 0 0\n")
         good = self.state.read_bytes()
         cut_off = b"is cut off, or no state of a simulated switch"
@@ -174,14 +168,14 @@ class UnusableFile(Bench):
         self.state.write_bytes(good)
         self.succeed("showFFE 0\n")
 
-    def test_of_another_switch_is_refused(self):
+    def test_of_another_switch_is_refused(self) -> None:
         self.succeed("setFFE FFE3 11 -4 55 -25 0 0\n")
         (self.home / "switch.toml").write_text(SWITCH + "load = 50\n")
         self.refused(self.state.read_bytes(), b"is of another switch, or its description has changed since")
         (self.home / "switch.toml").write_text(SWITCH)
         self.succeed("showFFE 0\n")
 
-    def test_that_cannot_be_written_fails_the_set_that_it_should_keep(self):
+    def test_that_cannot_be_written_fails_the_set_that_it_should_keep(self) -> None:
         self.succeed("setFFE FFE3 11 -4 55 -25 0 0\n")
         before = self.state.read_bytes()
         (self.home / "state.new").mkdir()
@@ -195,13 +189,13 @@ class UnusableFile(Bench):
 class Killed(Bench):
     """A script sets k of port 0 to 1, 2, 3 ... and is killed somewhere on its way."""
 
-    def acknowledged(self):
+    def acknowledged(self) -> int | None:
         """The k of the last set whose success was reported, or None."""
         text = self.trace.read_bytes() if self.trace.exists() else b""
         found = re.findall(rb"SetSerDesTxFFE\(0, 0, -1, 2, (\d+), .*\) = 0\n", text)
         return int(found[-1]) if found else None
 
-    def kept(self):
+    def kept(self) -> int | None:
         if not self.state.exists():
             return None
         text = self.state.read_bytes()
@@ -210,7 +204,7 @@ class Killed(Bench):
         out = self.succeed("readTx 0 0 4\n")  # a run that finds the file whole and in order
         return int(re.search(rb"address 0x04= 0x([0-9a-f]{4})", out).group(1), 16)
 
-    def kill_often(self, kills, longest):
+    def kill_often(self, kills: int, longest: float) -> int:
         script = "".join(f"setFFE FFE3 {k} -4 55 -25 0 0\n" for k in range(1, SETS + 1))
         random_times = random.Random(4711)
         middles = 0
@@ -220,7 +214,7 @@ class Killed(Bench):
             # Where leaks are searched for at the end, the search complains when it is killed.
             process = self.start(script, ASAN_OPTIONS="detect_leaks=0")
             time.sleep(random_times.uniform(0, longest))
-            process.send_signal(signal.SIGKILL)
+            process.kill()
             _, err = process.communicate(timeout=LIMIT_SECONDS)
             self.assertEqual(err, b"")
             last = self.acknowledged()
@@ -232,7 +226,7 @@ class Killed(Bench):
             before = now
         return middles
 
-    def test_at_any_moment_it_leaves_the_last_state_or_the_next(self):
+    def test_at_any_moment_it_leaves_the_last_state_or_the_next(self) -> None:
         # On a slow machine a run takes longer to get to its sets.
         begun = time.monotonic()
         self.succeed("exit\n")
@@ -240,11 +234,11 @@ class Killed(Bench):
         middles = self.kill_often(KILLS, 3 * start + 0.01)
         self.assertGreater(middles, KILLS // 10, "too few of the kills fell among the sets")
 
-    def test_on_a_disk_too(self):
+    def test_on_a_disk_too(self) -> None:
         self.folder.cleanup()
         self.folder = tempfile.TemporaryDirectory()
         self.addCleanup(self.folder.cleanup)
-        self.home = pathlib.Path(self.folder.name)
+        self.home = Path(self.folder.name)
         self.state, self.trace = self.home / "state", self.home / "trace"
         (self.home / "switch.toml").write_text(SWITCH)
         self.kill_often(30, 0.1)

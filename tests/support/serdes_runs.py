@@ -109,8 +109,8 @@ class Dialogue:
         with contextlib.suppress(BrokenPipeError):
             self.input.close()
 
-    def type(self, text: bytes) -> None:
-        self.input.write(text)
+    def type(self, text: str | bytes) -> None:
+        self.input.write(text.encode() if isinstance(text, str) else text)
         self.input.flush()
 
     def read_to(self, text: bytes, times: int = 1) -> bytes:
