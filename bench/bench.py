@@ -17,6 +17,7 @@ import statistics
 import subprocess
 import sys
 import tempfile
+from collections.abc import Iterable, Mapping, Sequence
 
 BUILD = pathlib.Path(sys.argv[1])
 TOOL = BUILD / "tool/serdes"
@@ -28,19 +29,21 @@ DUMPS = 1303  # the first number of dumps with more than four million cells
 LINES = 200_000
 PROMPT = b"serdes: "
 
-missed = []  # aims
+missed: list[str] = []  # aims
+
+Command = Sequence[str | os.PathLike[str]]
 
 
-def environment(**more):
+def environment(**more: str) -> dict[str, str]:
     """What every contestant gets: nothing of the caller's, whose size would be part of every start."""
     return {"PATH": os.environ["PATH"], "LC_ALL": "C", "LD_LIBRARY_PATH": str(BUILD / "platform"), **more}
 
 
-def words_of(command):
+def words_of(command: Command) -> list[str]:
     return [str(word) for word in command]
 
 
-def output(*command, **env):
+def output(*command: str | os.PathLike[str], **env: str) -> bytes:
     """What a command puts out. It may neither fail nor complain."""
     done = subprocess.run(command, env=environment(**env), stdin=subprocess.DEVNULL, capture_output=True, check=False)
     if done.returncode != 0 or done.stderr:
@@ -48,7 +51,7 @@ def output(*command, **env):
     return done.stdout
 
 
-def agree(what, results):
+def agree(what: str, results: Mapping[str, object]) -> None:
     """Ends everything when the contestants did not do the same work."""
     for name, result in results.items():
         if result != next(iter(results.values())):
@@ -56,11 +59,11 @@ def agree(what, results):
     print(f"{what}: {', '.join(results)} put out the same", file=sys.stderr)
 
 
-def cost(command, buffer=bytearray(1 << 20)):
+def cost(command: Command, buffer: bytearray = bytearray(1 << 20)) -> float:
     """Seconds of user and system time of one run into a pipe."""
     reading, writing = os.pipe()
     actions = [(os.POSIX_SPAWN_DUP2, writing, 1), (os.POSIX_SPAWN_CLOSE, writing), (os.POSIX_SPAWN_CLOSE, reading)]
-    pid = os.posix_spawnp(command[0], command, environment(), file_actions=actions)
+    pid = os.posix_spawnp(command[0], words_of(command), environment(), file_actions=actions)
     os.close(writing)
     while os.readv(reading, [buffer]):
         pass
@@ -68,12 +71,12 @@ def cost(command, buffer=bytearray(1 << 20)):
     _, status, usage = os.wait4(pid, 0)
     if status != 0:
         sys.exit(f"{words_of(command)}: status {status}")
-    return usage.ru_utime + usage.ru_stime
+    return float(usage.ru_utime + usage.ru_stime)
 
 
-def compare(title, contestants, rounds, base, aims):
+def compare(title: str, contestants: Mapping[str, Command], rounds: int, base: str, aims: Mapping[str, float]) -> None:
     """Prints the contestants' costs, each beside that of `base`. `aims` are the greatest ratios wanted."""
-    costs = {name: [] for name in contestants}
+    costs: dict[str, list[float]] = {name: [] for name in contestants}
     for _ in range(rounds):
         for name, command in contestants.items():
             costs[name].append(cost(command))
@@ -86,7 +89,7 @@ def compare(title, contestants, rounds, base, aims):
         print(f"| {name} | {min(runs) * 1e3:.2f} | {ratio:.3f} | {median:.3f} | {aim} |")
 
 
-def verdict(name, ratio, aim):
+def verdict(name: str, ratio: float, aim: float | None) -> str:
     if aim is None:
         return ""
     if ratio > aim:
@@ -94,12 +97,12 @@ def verdict(name, ratio, aim):
     return f"{aim}: {'met' if ratio <= aim else 'MISSED'}"
 
 
-def register_rows(text):
+def register_rows(text: bytes) -> list[bytes]:
     """The rows of register tables without their labels."""
     return [line[20:] for line in text.splitlines() if line.startswith(b"Rx Register")]
 
 
-def digest(lines):
+def digest(lines: Iterable[bytes]) -> str:
     """A digest of lines of hexadecimal words, however they are spaced and broken."""
     total = hashlib.sha256()
     for line in lines:
@@ -107,13 +110,13 @@ def digest(lines):
     return total.hexdigest()
 
 
-def xxd_words(line):
+def xxd_words(line: bytes) -> bytes:
     """The words of a line of xxd, which shows bytes in the order of the file, as this processor reads them."""
     pairs = line[10:49].split()
     return b"".join(pair[2:] + pair[:2] for pair in pairs) if sys.byteorder == "little" else b"".join(pairs)
 
 
-def dump(work):
+def dump(work: pathlib.Path) -> None:
     """A register dump beside dump programs, which find the tables' words in a file, row by row."""
     (work / "dump").write_text("showRx all\n" * DUMPS)
     (work / "once").write_text("showRx all\n")
@@ -121,81 +124,114 @@ def dump(work):
     start = output(TOOL, work / "empty").removesuffix(b"\n\n")
     table = output(TOOL, work / "once").removeprefix(start).removesuffix(b"\n\n")
     # As the instant switch fills its registers, but in rows of one register of all links.
-    cells = [(link * REGISTERS + register + 1) * 40503 & 0xFFFF
-             for register in range(REGISTERS) for link in range(PORTS * LINKS)]
+    cells = [
+        (link * REGISTERS + register + 1) * 40503 & 0xFFFF
+        for register in range(REGISTERS)
+        for link in range(PORTS * LINKS)
+    ]
     (work / "table").write_bytes(table)
     (work / "words").write_bytes(array.array("H", cells).tobytes() * DUMPS)
 
-    serdes = [TOOL, work / "dump"]
-    static = [STATIC, work / "dump"]
-    od = ["od", "-An", "-v", "-tx2", f"-w{2 * PORTS * LINKS}", work / "words"]
-    hexdump = ["hexdump", "-v", work / "words"]
-    xxd = ["xxd", work / "words"]
-    floor = [FLOOR, work / "table", str(DUMPS)]
-    agree("dump", {
-        "od": digest(output(*od).splitlines()),
-        "serdes": digest(register_rows(output(*serdes))),
-        "static serdes": digest(register_rows(output(*static))),
-        "hexdump": digest(line[7:] for line in output(*hexdump).splitlines()),
-        "xxd": digest(map(xxd_words, output(*xxd).splitlines())),
-        "memcpy and write": digest(register_rows(output(*floor))),
-    })
-    compare(f"Register dump: {DUMPS * len(cells)} cells by {DUMPS} `showRx all`", {
-        "serdes": serdes, "static serdes": static, "od": od, "hexdump": hexdump, "xxd": xxd, "memcpy and write": floor,
-    }, 15, "od", {"serdes": 0.15})
+    serdes: Command = [TOOL, work / "dump"]
+    static: Command = [STATIC, work / "dump"]
+    od: Command = ["od", "-An", "-v", "-tx2", f"-w{2 * PORTS * LINKS}", work / "words"]
+    hexdump: Command = ["hexdump", "-v", work / "words"]
+    xxd: Command = ["xxd", work / "words"]
+    floor: Command = [FLOOR, work / "table", str(DUMPS)]
+    agree(
+        "dump",
+        {
+            "od": digest(output(*od).splitlines()),
+            "serdes": digest(register_rows(output(*serdes))),
+            "static serdes": digest(register_rows(output(*static))),
+            "hexdump": digest(line[7:] for line in output(*hexdump).splitlines()),
+            "xxd": digest(map(xxd_words, output(*xxd).splitlines())),
+            "memcpy and write": digest(register_rows(output(*floor))),
+        },
+    )
+    compare(
+        f"Register dump: {DUMPS * len(cells)} cells by {DUMPS} `showRx all`",
+        {
+            "serdes": serdes,
+            "static serdes": static,
+            "od": od,
+            "hexdump": hexdump,
+            "xxd": xxd,
+            "memcpy and write": floor,
+        },
+        15,
+        "od",
+        {"serdes": 0.15},
+    )
 
 
-def commands(work):
+def commands(work: pathlib.Path) -> None:
     """Command lines beside calls of a shell function and of a Tcl procedure with the same words."""
-    lines = "".join(f"setFFE FFE{2 + i % 3} {i % 256} {-(i % 60)} {i % 64} {-(i % 32)} {i % 7} gl\n"
-                    for i in range(LINES))
+    lines = "".join(
+        f"setFFE FFE{2 + i % 3} {i % 256} {-(i % 60)} {i % 64} {-(i % 32)} {i % 7} gl\n" for i in range(LINES)
+    )
     (work / "lines").write_text(lines)
     for name, function in {
-            "saying.sh": 'setFFE() { echo "port 0: $1 $2 $3 $4 $5 $6"; }',
-            "answering.sh": r"setFFE() { echo '\n'; }",
-            "empty.sh": "setFFE() { :; }",
-            "saying.tcl": 'proc setFFE {mode k c0 c1 c2 c3 ports} { puts "port 0: $mode $k $c0 $c1 $c2 $c3" }',
-            "empty.tcl": "proc setFFE {mode k c0 c1 c2 c3 ports} {}",
+        "saying.sh": 'setFFE() { echo "port 0: $1 $2 $3 $4 $5 $6"; }',
+        "answering.sh": r"setFFE() { echo '\n'; }",
+        "empty.sh": "setFFE() { :; }",
+        "saying.tcl": 'proc setFFE {mode k c0 c1 c2 c3 ports} { puts "port 0: $mode $k $c0 $c1 $c2 $c3" }',
+        "empty.tcl": "proc setFFE {mode k c0 c1 c2 c3 ports} {}",
     }.items():
         (work / name).write_text(function + "\n" + lines)
 
-    def calls(*command):
+    def calls(*command: str | os.PathLike[str]) -> list[bytes]:
         text = output(*command, SERDES_BENCH_PORTS="1", SERDES_BENCH_REPORTS="1")
         return [line for line in text.splitlines() if line.startswith(b"port ")]
 
-    agree("commands", {
-        "serdes": calls(TOOL, work / "lines"),
-        "static serdes": calls(STATIC, work / "lines"),
-        "dash": calls("dash", work / "saying.sh"),
-        "tclsh": calls("tclsh", work / "saying.tcl"),
-    })
-    compare(f"Commands: {LINES} lines of `setFFE` for all ports", {
-        "serdes": [TOOL, work / "lines"],
-        "static serdes": [STATIC, work / "lines"],
-        "dash": ["dash", work / "empty.sh"],
-        "dash, answering": ["dash", work / "answering.sh"],
-        "tclsh": ["tclsh", work / "empty.tcl"],
-    }, 15, "dash", {"serdes": 1.0})
+    agree(
+        "commands",
+        {
+            "serdes": calls(TOOL, work / "lines"),
+            "static serdes": calls(STATIC, work / "lines"),
+            "dash": calls("dash", work / "saying.sh"),
+            "tclsh": calls("tclsh", work / "saying.tcl"),
+        },
+    )
+    compare(
+        f"Commands: {LINES} lines of `setFFE` for all ports",
+        {
+            "serdes": [TOOL, work / "lines"],
+            "static serdes": [STATIC, work / "lines"],
+            "dash": ["dash", work / "empty.sh"],
+            "dash, answering": ["dash", work / "answering.sh"],
+            "tclsh": ["tclsh", work / "empty.tcl"],
+        },
+        15,
+        "dash",
+        {"serdes": 1.0},
+    )
 
 
-def start(work):
+def start(work: pathlib.Path) -> None:
     """Start to exit."""
     (work / "empty").write_text("")
     agree("start", {"serdes": output(TOOL, work / "empty"), "static serdes": output(STATIC, work / "empty")})
-    compare("Start to exit, with an empty script", {
-        "static serdes": [STATIC, work / "empty"],
-        "serdes": [TOOL, work / "empty"],
-        "busybox true": ["busybox", "true"],
-        "dash": ["dash", work / "empty"],
-    }, 1000, "busybox true", {"static serdes": 1.5})
+    compare(
+        "Start to exit, with an empty script",
+        {
+            "static serdes": [STATIC, work / "empty"],
+            "serdes": [TOOL, work / "empty"],
+            "busybox true": ["busybox", "true"],
+            "dash": ["dash", work / "empty"],
+        },
+        1000,
+        "busybox true",
+        {"static serdes": 1.5},
+    )
 
 
-def memory_at_prompt(command):
+def memory_at_prompt(command: Command) -> tuple[int, int]:
     """Kilobytes at the prompt on a terminal: the greatest resident set so far, and the proportional one now."""
     pid, terminal = pty.fork()
     if pid == 0:
         try:
-            os.execvpe(command[0], command, environment(PS1=PROMPT.decode()))
+            os.execvpe(command[0], words_of(command), environment(PS1=PROMPT.decode()))
         finally:
             os._exit(127)
     seen = b""
@@ -212,16 +248,16 @@ def memory_at_prompt(command):
     return int(peak[1]), int(proportional[1])
 
 
-def memory(_work):
+def memory(_work: pathlib.Path) -> None:
     """Memory at the prompt."""
-    contestants = {
+    contestants: dict[str, Command] = {
         "serdes": [TOOL],
         "static serdes": [STATIC],
         "busybox sh": ["busybox", "sh"],
         "dash": ["dash", "-i"],
     }
     rounds = 15
-    measured = {name: [] for name in contestants}
+    measured: dict[str, list[tuple[int, int]]] = {name: [] for name in contestants}
     for _ in range(rounds):
         for name, command in contestants.items():
             measured[name].append(memory_at_prompt(command))
@@ -236,14 +272,19 @@ def memory(_work):
         print(f"| {name} | {sizes[0]:.0f} | {ratios[0]:.2f} | {sizes[1]:.0f} | {ratios[1]:.2f} | {aim} |")
 
 
-def instructions(script, **env):
+def instructions(script: pathlib.Path, **env: str) -> int:
     """Instructions of one run of the tool: the same ones every time, however busy the machine is."""
-    done = subprocess.run(["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null", TOOL, script],
-                          env=environment(**env), stdin=subprocess.DEVNULL, capture_output=True, check=True)
+    done = subprocess.run(
+        ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null", TOOL, script],
+        env=environment(**env),
+        stdin=subprocess.DEVNULL,
+        capture_output=True,
+        check=True,
+    )
     return int(re.search(rb"Collected : (\d+)", done.stderr)[1])
 
 
-def print_growth(title, unit, costs):
+def print_growth(title: str, unit: str, costs: Mapping[int, float]) -> None:
     """Prints costs by size, and how far each lies from the straight line through all of them."""
     slope, intercept = statistics.linear_regression(list(costs), list(costs.values()))
     print(f"\n### {title}\n\n| {unit} | instructions | off the straight line |\n|---|---|---|")
@@ -253,26 +294,35 @@ def print_growth(title, unit, costs):
     print(f"\nThe line: {intercept:.0f} and {slope:.0f} for each.")
 
 
-def growth(work):
+def growth(work: pathlib.Path) -> None:
     """How cost grows with ports, links and lines."""
     dumps = 20
     (work / "empty").write_text("")
     (work / "dumps").write_text("showRx all\n" * dumps)
 
-    def per_dump(**env):
+    def per_dump(**env: str) -> float:
         return (instructions(work / "dumps", **env) - instructions(work / "empty", **env)) / dumps
 
-    print_growth(f"A dump of ports with {LINKS} links, {REGISTERS} registers each", "ports", {
-        ports: per_dump(SERDES_BENCH_PORTS=str(ports)) for ports in (1, 2, 4, 8, 12, 16, 20, 24)})
-    print_growth(f"A dump of {PORTS} ports, {REGISTERS} registers a link", "links per port", {
-        links: per_dump(SERDES_BENCH_LINKS=str(links)) for links in (1, 2, 3, 4)})
+    print_growth(
+        f"A dump of ports with {LINKS} links, {REGISTERS} registers each",
+        "ports",
+        {ports: per_dump(SERDES_BENCH_PORTS=str(ports)) for ports in (1, 2, 4, 8, 12, 16, 20, 24)},
+    )
+    print_growth(
+        f"A dump of {PORTS} ports, {REGISTERS} registers a link",
+        "links per port",
+        {links: per_dump(SERDES_BENCH_LINKS=str(links)) for links in (1, 2, 3, 4)},
+    )
 
-    def lines(count):
+    def lines(count: int) -> int:
         (work / "lines").write_text("setFFE FFE3 115 -4 55 -25 0 gl\n" * count)
         return instructions(work / "lines")
 
-    print_growth("A script of `setFFE` lines for all ports, with start and exit", "lines", {
-        count: lines(count) for count in (1000, 2000, 4000, 8000, 16000, 32000)})
+    print_growth(
+        "A script of `setFFE` lines for all ports, with start and exit",
+        "lines",
+        {count: lines(count) for count in (1000, 2000, 4000, 8000, 16000, 32000)},
+    )
 
 
 BENCHMARKS = {"dump": dump, "commands": commands, "start": start, "memory": memory, "growth": growth}

@@ -7,22 +7,24 @@ branches and MC/DC but for the exclusions; the simulator 95 % of lines and of br
 import json
 import pathlib
 import sys
+from collections.abc import Iterator
+from typing import Any
 
 SIMULATOR_FLOOR = 95.0
 MOST_EXCLUSIONS = 10
 MEASURES = ("lines", "branches", "mcdc")
 
 
-def summaries(path):
+def summaries(path: str) -> Iterator[tuple[str, Any]]:
     root = pathlib.Path.cwd()
     for file in json.loads(pathlib.Path(path).read_text(encoding="utf-8"))["data"][0]["files"]:
         name = pathlib.Path(file["filename"])
         yield str(name.relative_to(root) if name.is_absolute() else name), file["summary"]
 
 
-def exclusions(path):
+def exclusions(path: str) -> dict[tuple[str, str], int]:
     """FILE MEASURE COUNT REASON a line: what may stay uncovered, and why."""
-    found = {}
+    found: dict[tuple[str, str], int] = {}
     for line in pathlib.Path(path).read_text(encoding="utf-8").splitlines():
         if line and not line.startswith("#"):
             file, measure, count, _reason = line.split(maxsplit=3)
@@ -30,14 +32,14 @@ def exclusions(path):
     return found
 
 
-def cell(measure):
+def cell(measure: dict[str, int]) -> str:
     return f"{measure['covered']:5}/{measure['count']:<5}" if measure["count"] else "    -      "
 
 
-def main():
+def main() -> int:
     tool, simulator, excluded_path = sys.argv[1:]
     excluded = exclusions(excluded_path)
-    complaints = []
+    complaints: list[str] = []
     print(f"{'file':36}{'lines':>12}{'branches':>12}{'MC/DC':>12}")
     for name, summary in sorted(summaries(tool)):
         print(f"{name:36}" + "".join(f"{cell(summary[measure]):>12}" for measure in MEASURES))
