@@ -17,8 +17,12 @@ from serdes_runs import LIMIT_SECONDS, Terminal
 
 ROOT = Path(os.environ["ROOT"])
 PACKAGES = Path(os.environ["PACKAGES"])
-ENVIRONMENT = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C", "HOME": "/root",
-               "SERDES_SIMULATOR_CLOCK": "virtual"}
+ENVIRONMENT = {
+    "PATH": "/usr/sbin:/usr/bin:/sbin:/bin",
+    "LC_ALL": "C",
+    "HOME": "/root",
+    "SERDES_SIMULATOR_CLOCK": "virtual",
+}
 LIBRARIES = ("libasicApi.so", "libswbApi.so", "libswServerApi.so")
 PROMPT = "serdes:"
 SHELL = ("/bin/bash", "--noprofile", "--norc", "-i")
@@ -29,8 +33,15 @@ IMAGES = ROOT / "norvex/conf/images"
 def run(*arguments, stdin="", **more):
     """Runs a program in the root; `more` is set for it alone."""
     variables = [f"{name}={value}" for name, value in more.items()]
-    return subprocess.run(["chroot", ROOT, "env", *variables, *arguments], input=stdin, text=True, capture_output=True,
-                          env=ENVIRONMENT, timeout=LIMIT_SECONDS, check=False)
+    return subprocess.run(
+        ["chroot", ROOT, "env", *variables, *arguments],
+        input=stdin,
+        text=True,
+        capture_output=True,
+        env=ENVIRONMENT,
+        timeout=LIMIT_SECONDS,
+        check=False,
+    )
 
 
 def at_terminal(*command, folder="/", **more):
@@ -86,8 +97,9 @@ class ToolAlone(unittest.TestCase):
         remove("serdes")
 
     def test_does_not_depend_on_the_simulated_switch(self):
-        depends = subprocess.run(["dpkg-deb", "--field", deb("serdes"), "Depends", "Recommends"], check=True, text=True,
-                                 capture_output=True).stdout
+        depends = subprocess.run(
+            ["dpkg-deb", "--field", deb("serdes"), "Depends", "Recommends"], check=True, text=True, capture_output=True
+        ).stdout
         self.assertNotIn("simulator", depends)
 
     def test_without_a_platform_the_loader_says_what_is_missing(self):
@@ -134,9 +146,14 @@ class WithSimulator(Installed):
     def test_files_are_in_place(self):
         tool = check("dpkg", "--listfiles", "serdes").splitlines()
         simulator = check("dpkg", "--listfiles", "serdes-simulator").splitlines()
-        for path in ("/usr/bin/serdes", "/usr/bin/serdes-prompt", "/usr/share/man/man8/serdes.8.gz",
-                     "/usr/share/man/man8/serdes-prompt.8.gz", "/usr/share/serdes/words",
-                     "/usr/share/bash-completion/completions/serdes"):
+        for path in (
+            "/usr/bin/serdes",
+            "/usr/bin/serdes-prompt",
+            "/usr/share/man/man8/serdes.8.gz",
+            "/usr/share/man/man8/serdes-prompt.8.gz",
+            "/usr/share/serdes/words",
+            "/usr/share/bash-completion/completions/serdes",
+        ):
             self.assertIn(path, tool)
         self.assertIn("/usr/share/man/man7/serdes-simulator.7.gz", simulator)
         self.assertIn("/usr/share/serdes/switches/default.toml", simulator)
@@ -196,8 +213,9 @@ class WithSimulator(Installed):
 
     def test_the_environment_goes_before_the_simulated_switch(self):
         shutil.copytree(simulator_folder(), ROOT / "root/lab/platform")
-        self.assertEqual(loaded_libraries(LD_LIBRARY_PATH="/root/lab/platform"),
-                         [f"/root/lab/platform/{name}" for name in LIBRARIES])
+        self.assertEqual(
+            loaded_libraries(LD_LIBRARY_PATH="/root/lab/platform"), [f"/root/lab/platform/{name}" for name in LIBRARIES]
+        )
 
 
 class Prompt(Installed):
@@ -205,9 +223,11 @@ class Prompt(Installed):
 
     def wait_for_prompt(self, terminal, number=1):
         """Waits for the prompt to stand at the end, for the time of that number."""
+
         def stands(text):
             prompts = [line for line in text.splitlines() if line.startswith(PROMPT)]
             return len(prompts) == number and text.endswith("\n" + PROMPT)
+
         return terminal.wait_until(stands, f"prompt {number}")
 
     def session(self, command):
@@ -294,8 +314,14 @@ class Completion(Installed):
         super().setUpClass()
         work = ROOT / "root/lab"
         (IMAGES / "golden").mkdir(parents=True)
-        for file in (work / "tune.serdes", work / "both.serdes", work / "with blank.serdes", IMAGES / "factory.serdes",
-                     IMAGES / "both.serdes", IMAGES / "golden/lab.serdes"):
+        for file in (
+            work / "tune.serdes",
+            work / "both.serdes",
+            work / "with blank.serdes",
+            IMAGES / "factory.serdes",
+            IMAGES / "both.serdes",
+            IMAGES / "golden/lab.serdes",
+        ):
             file.write_text("exit\n", encoding="ascii")
 
     @classmethod
@@ -337,7 +363,9 @@ class Completion(Installed):
         self.completed("serdes tune.serdes fa\t", r"\n%serdes tune.serdes factory.serdes \|")
 
     def test_all_that_there_is(self):
-        self.completed("serdes \t\t", r"\nboth.serdes +factory.serdes +golden/ +tune.serdes +with blank.serdes *\n%serdes \|")
+        self.completed(
+            "serdes \t\t", r"\nboth.serdes +factory.serdes +golden/ +tune.serdes +with blank.serdes *\n%serdes \|"
+        )
 
     def test_the_prompt_with_line_editing_completes_them_too(self):
         with at_terminal(*SHELL, folder="/root/lab", HISTFILE="") as terminal:
