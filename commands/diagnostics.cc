@@ -17,7 +17,6 @@ constexpr std::uint32_t kHoldCurrentDfe = 101;
 // What resetting the tests addresses, whatever ports there are.
 constexpr std::uint32_t kResetPortCount = 20;
 constexpr auto kResetOption = static_cast<SerDesTestOption>(2);
-constexpr int kAllLinks = -1;
 
 // The options that can be run and those that can be asked for differ on purpose.
 bool isRunOption(std::uint32_t option) {

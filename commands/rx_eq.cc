@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr int kAllLinks = -1;
-
 // setDFEState takes this many words; its row in the command table admits others so that the port is judged first.
 constexpr int kDfeStateWords = 14;
 

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int kAllLinks = -1;
-
 // One link's settings as the platform holds them.
 struct TxFFELinkValues {
   SerDesTxFFEMode mode;

@@ -1,7 +1,6 @@
-// The time of a switch in microseconds: real, or a fixed step for each platform call so that runs can be repeated.
+// Which time a switch has: real, or a fixed step for each platform call so that runs can be repeated.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -20,23 +19,5 @@ struct ClockDescription {
 
 // "monotonic", "virtual" or "virtual:MICROSECONDS"; nothing for any other text.
 std::optional<ClockDescription> parseClock(std::string_view text);
-
-class Clock {
- public:
-  explicit Clock(ClockDescription description);
-  // A platform call begins: takes the step, or looks at the real clock.
-  void tick();
-  // The time at the last tick; it never goes back.
-  std::uint64_t now() const {
-    return now_;
-  }
-  // Goes on from `now`, as after a pause that took no time.
-  void continueFrom(std::uint64_t now);
-
- private:
-  ClockDescription description_;
-  std::uint64_t now_ = 0;
-  std::chrono::steady_clock::time_point last_;
-};
 
 }  // namespace simulator

@@ -5,6 +5,7 @@
 
 #include "simulator/description/fingerprint.h"
 #include "simulator/description/words.h"
+#include "simulator/serdes/settings.h"
 
 namespace simulator {
 namespace {
@@ -19,11 +20,10 @@ void store32(T& target, TomlTable& table, std::string_view key) {
 }
 
 void readSlew(TomlTable& table, Settings& settings) {
-  constexpr std::array<std::int64_t, 7> kPicoseconds = {24, 30, 36, 50, 60, 75, 100};
   const auto slew = table.integer("slew", 0, 100);
   if (!slew) return;
-  for (std::size_t i = 0; i < kPicoseconds.size(); ++i) {
-    if (kPicoseconds[i] == *slew) {
+  for (std::size_t i = 0; i < kSlewPs.size(); ++i) {
+    if (kSlewPs[i] == *slew) {
       settings.tx.slew = static_cast<std::int32_t>(i);
       return;
     }

@@ -20,6 +20,8 @@ struct Transmitter {
   unsigned k = 115;                      // power, 0..255
   std::array<int, 4> c = {0, 63, 0, 0};  // c0 precursor, c1 main, c2 and c3 postcursors; -128..127
   double slewPs = 36;                    // 20-80 % transition time; 0 is an ideal edge
+
+  bool operator==(const Transmitter&) const = default;
 };
 
 // Receive settings of a link.
@@ -32,6 +34,8 @@ struct Receiver {
   std::array<double, 10> heldTaps{};  // LSB; H1 even, H1 odd, H2 even, ... H5 odd
   double evenOddMismatch = 0.02;      // relative gain difference of the even and odd decision paths; +-0.2
   double offsetLsb = 0;               // of the converter; shows in An; +-16
+
+  bool operator==(const Receiver&) const = default;
 };
 
 // Drive amplitude in V: kFullSwingV/2 * k/255.

@@ -12,7 +12,9 @@ const FieldPlace* RegisterMap::find(Field field) const {
 
 bool RegisterMap::isReadOnly(unsigned address) const {
   return std::any_of(traits.begin(), traits.end(),
-                     [&](const RegisterTrait& trait) { return trait.readOnly && trait.address == address; });
+                     [&](const RegisterTrait& trait) { return trait.readOnly && trait.address == address; }) ||
+         std::any_of(fields.begin(), fields.end(),
+                     [&](const FieldPlace& place) { return isComputed(place.field) && place.address == address; });
 }
 
 RegisterFile RegisterMap::resetValues() const {
@@ -26,7 +28,7 @@ int RegisterMap::read(const RegisterFile& registers, Field field) const {
   const FieldPlace* place = find(field);
   if (place == nullptr) return 0;
   const int value = static_cast<int>((registers[place->address] & placeMask(*place)) >> place->shift);
-  return place->isSigned && value > greatestValue(*place) ? value - (1 << place->width) : value;
+  return isSigned(place->field) && value > greatestValue(*place) ? value - (1 << place->width) : value;
 }
 
 void RegisterMap::write(RegisterFile& registers, Field field, int value) const {
@@ -39,11 +41,11 @@ void RegisterMap::write(RegisterFile& registers, Field field, int value) const {
 }
 
 int leastValue(const FieldPlace& place) {
-  return place.isSigned ? -(1 << (place.width - 1)) : 0;
+  return isSigned(place.field) ? -(1 << (place.width - 1)) : 0;
 }
 
 int greatestValue(const FieldPlace& place) {
-  return (1 << (place.isSigned ? place.width - 1 : place.width)) - 1;
+  return (1 << (isSigned(place.field) ? place.width - 1 : place.width)) - 1;
 }
 
 }  // namespace simulator

@@ -65,6 +65,12 @@ constexpr bool isComputed(Field field) {
 constexpr bool isTap(Field field) {
   return field >= Field::kTap0 && field <= Field::kTap9;
 }
+// Two's complement; the others are whole numbers from 0 on.
+constexpr bool isSigned(Field field) {
+  using enum Field;
+  return isTap(field) || (field >= kC0 && field <= kC3) || (field >= kEyeHeight && field <= kAn) ||
+         field == kTemperature;
+}
 // The field of tap `index`, 0 to 9.
 constexpr Field tapField(unsigned index) {
   return static_cast<Field>(static_cast<unsigned>(Field::kTap0) + index);
@@ -75,10 +81,9 @@ struct FieldPlace {
   std::uint8_t address;
   std::uint8_t shift;
   std::uint8_t width;
-  bool isSigned = false;
 };
 
-// A register that does not start at 0 or cannot be written.
+// A register that does not start at 0, or that tells what it belongs to and cannot be written.
 struct RegisterTrait {
   std::uint8_t address;
   std::uint16_t reset;
@@ -115,15 +120,15 @@ constexpr unsigned placeMask(const FieldPlace& place) {
 
 // What a SerDes of one type can do.
 struct SerDesTraits {
-  const char* name;        // unless the description gives another
-  bool isEthernet;         // power and pre-emphasis in place of FFE taps, equaliser mode in place of DFE and VGA
-  bool hasEvenAndOddTaps;  // statistics show ten H values, and the DFE state can be loaded; otherwise five
-  std::uint8_t ffeModes;   // bit n: SerDesTxFFEMode n
-  std::uint8_t dfeModes;   // bit n: SerDesRxDFEMode n
-  int maxTap;              // greatest |c|
-  int maxTapSum;           // peak power: greatest sum |c|
-  std::uint8_t txParamCount;
-  std::uint8_t rxParamCount;
+  const char* name;         // unless the description gives another
+  bool isEthernet = false;  // power and pre-emphasis in place of FFE taps, equaliser mode in place of DFE and VGA
+  bool hasEvenAndOddTaps = false;  // statistics show ten H values, and the DFE state can be loaded; otherwise five
+  std::uint8_t ffeModes;           // bit n: SerDesTxFFEMode n
+  std::uint8_t dfeModes;           // bit n: SerDesRxDFEMode n
+  int maxTap = 63;                 // greatest |c|; not of ethernet
+  int maxTapSum = 100;             // peak power: greatest sum |c|; not of ethernet
+  std::uint8_t txParamCount = 7;
+  std::uint8_t rxParamCount = 5;
   RegisterMap tx;
   RegisterMap rx;
   RegisterMap pll;

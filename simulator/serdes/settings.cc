@@ -11,7 +11,6 @@ namespace {
 using enum Field;
 
 constexpr std::array<Field, 4> kCoefficients = {kC0, kC1, kC2, kC3};
-constexpr std::array<double, 7> kSlewPs = {24, 30, 36, 50, 60, 75, 100};
 constexpr std::array<unsigned, 4> kDfeTaps = {3, 5, 0, 1};
 
 // Ethernet: a step of power is 17 of the 255 of k; pre-emphasis moves swing from the main to the first postcursor.
@@ -170,7 +169,7 @@ Transmitter transmitterOf(const SerDesTraits& traits, const RegisterFile& tx) {
   return {.ffeMode = ffe.mode,
           .k = static_cast<unsigned>(ffe.k),
           .c = ffe.c,
-          .slewPs = controlled ? kSlewPs[slew] : kNativeSlewPs};
+          .slewPs = static_cast<double>(controlled ? kSlewPs[slew] : kNativeSlewPs)};
 }
 
 Receiver receiverOf(const SerDesTraits& traits, const RegisterFile& rx) {

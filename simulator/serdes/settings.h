@@ -11,9 +11,10 @@
 
 namespace simulator {
 
-inline constexpr int kMaxDriveLevel = 15;    // ethernet: transmit power and pre-emphasis
-inline constexpr int kMaxCdrMode = 3;        // ethernet: clock recovery mode
-inline constexpr double kNativeSlewPs = 24;  // the edge of a driver whose slew control is off
+inline constexpr int kMaxDriveLevel = 15;  // ethernet: transmit power and pre-emphasis
+inline constexpr int kMaxCdrMode = 3;      // ethernet: clock recovery mode
+inline constexpr int kNativeSlewPs = 24;   // the edge of a driver whose slew control is off
+inline constexpr std::array<int, 7> kSlewPs = {24, 30, 36, 50, 60, 75, 100};  // by SerDesTxSlewRate
 
 struct FfeSettings {
   std::uint32_t mode;  // SerDesTxFFEMode

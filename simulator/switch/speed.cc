@@ -1,21 +1,55 @@
-// Configured, agreed and running speed, and the caches that a speed brings into force.
-#include "simulator/switch/switch.h"
+// Speed agreement: a port's own speeds, those of its medium, and those of the far end.
+#include "simulator/switch/speed.h"
+
+#include "simulator/serdes/settings.h"
 
 namespace simulator {
 namespace {
 
 constexpr SpeedSet kEverySpeed = ~SpeedSet{0};
 
+// What a port does at each speed. Bauds are those of the whole port; ethernet has its own.
+struct SpeedRow {
+  std::uint32_t speed;
+  double gigabaud;
+  double ethernetGigabaud;
+  LineCode code;
+};
+constexpr SpeedRow kRows[] = {
+    {.speed = SPEED_1G, .gigabaud = 1.0625, .ethernetGigabaud = 1.25, .code = LineCode::k8b10b},
+    {.speed = SPEED_2G, .gigabaud = 2.125, .ethernetGigabaud = 2.5, .code = LineCode::k8b10b},
+    {.speed = SPEED_4G, .gigabaud = 4.25, .ethernetGigabaud = 5, .code = LineCode::k8b10b},
+    {.speed = SPEED_8G, .gigabaud = 8.5, .ethernetGigabaud = 10.3125, .code = LineCode::k8b10b},
+    {.speed = SPEED_10G, .gigabaud = 10.51875, .ethernetGigabaud = 10.3125, .code = LineCode::k64b66b},
+    {.speed = SPEED_20G, .gigabaud = 21.0375, .ethernetGigabaud = 20.625, .code = LineCode::k64b66b},
+};
+
+constexpr const SpeedRow& rowOf(std::uint32_t speed) {
+  return kRows[speed - SPEED_1G];
+}
+
+constexpr bool rowsStandAtTheirSpeed() {
+  for (std::uint32_t speed = SPEED_1G; speed < kSpeeds; ++speed) {
+    if (rowOf(speed).speed != speed) return false;
+  }
+  return true;
+}
+static_assert(rowsStandAtTheirSpeed());
+
+bool has(SpeedSet speeds, std::uint32_t speed) {
+  return (speeds & speedBit(speed)) != 0;
+}
+
 std::uint32_t highest(SpeedSet speeds) {
   for (std::uint32_t speed = kSpeeds - 1; speed > SPEED_AUTO; --speed) {
-    if ((speeds & speedBit(speed)) != 0) return speed;
+    if (has(speeds, speed)) return speed;
   }
   return SPEED_AUTO;
 }
 
 std::uint32_t lowest(SpeedSet speeds) {
   for (std::uint32_t speed = SPEED_1G; speed < kSpeeds; ++speed) {
-    if ((speeds & speedBit(speed)) != 0) return speed;
+    if (has(speeds, speed)) return speed;
   }
   return SPEED_1G;
 }
@@ -24,135 +58,97 @@ SpeedSet configured(std::uint32_t speed) {
   return speed == SPEED_AUTO ? kEverySpeed : speedBit(speed);
 }
 
-}  // namespace
-
-SpeedSet Switch::allowedSpeeds(PortPlace place) const {
-  const PortDescription& port = describe(place);
-  return port.speeds & port.mediaSpeeds & configured(stateOf(place).configuredSpeed);
+SpeedSet allowedSpeeds(const PortView& port) {
+  return port.description.speeds & port.description.mediaSpeeds & configured(port.state.configuredSpeed);
 }
 
-SpeedSet Switch::farSpeeds(PortPlace place) const {
-  const PortDescription& port = describe(place);
-  PortPlace far;
-  if (cabledTo(place, &far)) return allowedSpeeds(far);
-  if (port.farEnd == FarEnd::kPartner) return port.partner.speeds & configured(port.partner.speed);
-  return 0;
+SpeedSet farSpeeds(const PortView& port) {
+  if (const auto far = port.cabled()) return allowedSpeeds(*far);
+  const PartnerDescription& partner = port.description.partner;
+  return port.description.farEnd == FarEnd::kPartner ? partner.speeds & configured(partner.speed) : 0;
+}
+
+std::uint32_t agreedSpeed(const PortView& port) {
+  const std::uint32_t own = port.state.configuredSpeed;
+  if (own != SPEED_AUTO) return own;
+  const std::uint32_t agreed = highest(allowedSpeeds(port) & farSpeeds(port));
+  // In loopback a port agrees with itself, but not so as to lose the far end.
+  return agreed == SPEED_AUTO && allLooped(port) ? highest(port.description.speeds) : agreed;
+}
+
+// AUTO when there is none.
+std::uint32_t farOperatingSpeed(const PortView& port) {
+  if (const auto far = port.cabled()) return far->state.operatingSpeed;
+  if (port.description.farEnd != FarEnd::kPartner) return SPEED_AUTO;
+  const PartnerDescription& partner = port.description.partner;
+  if (partner.speed != SPEED_AUTO) return partner.speed;
+  const std::uint32_t own = port.state.operatingSpeed;
+  return has(partner.speeds, own) ? own : std::uint32_t{SPEED_AUTO};
 }
 
 // Whether the medium takes the speed, and that of the port at the far end too.
-bool Switch::carries(PortPlace place, std::uint32_t speed) const {
-  SpeedSet speeds = describe(place).mediaSpeeds;
-  PortPlace far;
-  if (cabledTo(place, &far)) speeds &= describe(far).mediaSpeeds;
-  return (speeds & speedBit(speed)) != 0;
+bool carries(const PortView& port, std::uint32_t speed) {
+  const auto far = port.cabled();
+  return has(port.description.mediaSpeeds, speed) && (!far || has(far->description.mediaSpeeds, speed));
 }
 
-bool Switch::cabledTo(PortPlace place, PortPlace* far) const {
-  const PortDescription& port = describe(place);
-  *far = {place.asic, port.farPort};
-  return port.farEnd == FarEnd::kPort;
+// A port without an agreed speed runs at its lowest.
+double baudAt(const PortView& port, std::uint32_t agreed, SpeedSet speeds, const PortSide& side) {
+  const SpeedRow& row = rowOf(agreed != SPEED_AUTO ? agreed : lowest(speeds));
+  return (port.description.portType == kPortTypeExg ? row.ethernetGigabaud : row.gigabaud) / side.links;
 }
 
-// A port whose receivers all hear its own transmitters needs no far end and no medium.
-bool Switch::allLooped(PortPlace place) const {
-  const unsigned links = linkCount(place, SERDES_LINK_RX);
-  const RegisterMap& map = traitsOf(place, SERDES_LINK_RX).rx;
-  for (unsigned link = 0; link < links; ++link) {
-    if (map.read(stateOf(place).rx[link].registers, Field::kLoopback) == 0) return false;
+}  // namespace
+
+LineCode lineCodeOf(std::uint32_t speed) {
+  return rowOf(speed).code;
+}
+
+double linkBaud(const PortView& port, const PortSide& side) {
+  return baudAt(port, port.state.operatingSpeed, port.description.speeds, side);
+}
+
+double partnerBaud(const PortView& port) {
+  return baudAt(port, farOperatingSpeed(port), port.description.partner.speeds, port.rx);
+}
+
+bool allLooped(const PortView& port) {
+  for (unsigned link = 0; link < port.rx.links; ++link) {
+    if (port.rxField(link, Field::kLoopback) == 0) return false;
   }
-  return links > 0;
+  return port.rx.links > 0;
 }
 
-std::uint32_t Switch::agreedSpeed(PortPlace place) const {
-  const std::uint32_t own = stateOf(place).configuredSpeed;
-  if (own != SPEED_AUTO) return own;
-  const std::uint32_t agreed = highest(allowedSpeeds(place) & farSpeeds(place));
-  // In loopback a port agrees with itself, but not so as to lose the far end.
-  return agreed == SPEED_AUTO && allLooped(place) ? highest(describe(place).speeds) : agreed;
+bool speedAgreed(const PortView& port) {
+  const std::uint32_t speed = port.state.operatingSpeed;
+  if (speed == SPEED_AUTO) return false;
+  return allLooped(port) || (carries(port, speed) && farOperatingSpeed(port) == speed);
 }
 
-std::uint32_t Switch::farOperatingSpeed(PortPlace place) const {
-  const PortDescription& port = describe(place);
-  PortPlace far;
-  if (cabledTo(place, &far)) return stateOf(far).operatingSpeed;
-  if (port.farEnd != FarEnd::kPartner) return SPEED_AUTO;
-  if (port.partner.speed != SPEED_AUTO) return port.partner.speed;
-  const std::uint32_t own = stateOf(place).operatingSpeed;
-  return (port.partner.speeds & speedBit(own)) != 0 ? own : std::uint32_t{SPEED_AUTO};
+void putIntoForce(const Port& port, const Settings& settings) {
+  for (TxLinkState& link : port.state.tx)
+    applyCache(port.tx.traits, link.registers, settings.tx);
+  for (RxLinkState& link : port.state.rx)
+    applyCache(port.rx.traits, link.registers, settings.rx);
 }
 
-// Without an agreed speed a port sends and listens at its lowest.
-std::uint32_t Switch::lineSpeed(PortPlace place) const {
-  const std::uint32_t speed = stateOf(place).operatingSpeed;
-  return speed != SPEED_AUTO ? speed : lowest(describe(place).speeds);
+void renegotiate(const Port& port) {
+  const std::uint32_t speed = agreedSpeed(port);
+  if (speed == port.state.operatingSpeed) return;
+  port.state.operatingSpeed = speed;
+  if (speed != SPEED_AUTO) putIntoForce(port, port.state.caches[speed]);
 }
 
-std::uint32_t Switch::partnerLineSpeed(PortPlace place) const {
-  const std::uint32_t speed = farOperatingSpeed(place);
-  return speed != SPEED_AUTO ? speed : lowest(describe(place).partner.speeds);
+void renegotiateAround(const Port& port) {
+  renegotiate(port);
+  if (const auto far = port.cabled()) renegotiate(*far);
 }
 
-void Switch::applyCaches(PortPlace place) {
-  PortState& state = stateOf(place);
-  if (state.operatingSpeed == SPEED_AUTO) return;
-  const Settings& cache = state.caches[state.operatingSpeed];
-  for (TxLinkState& link : state.tx)
-    applyCache(traitsOf(place, SERDES_LINK_TX), link.registers, cache.tx);
-  for (RxLinkState& link : state.rx)
-    applyCache(traitsOf(place, SERDES_LINK_RX), link.registers, cache.rx);
-}
-
-void Switch::renegotiate(PortPlace place) {
-  PortState& state = stateOf(place);
-  const std::uint32_t speed = agreedSpeed(place);
-  if (speed == state.operatingSpeed) return;
-  state.operatingSpeed = speed;
-  applyCaches(place);
-}
-
-void Switch::renegotiateAround(PortPlace place) {
-  renegotiate(place);
-  PortPlace far;
-  if (cabledTo(place, &far)) renegotiate(far);
-}
-
-int Switch::setPortSpeed(port_id_t port, unsigned speed) {
-  if (const int code = findPort(port); code != kOk) return code;
-  if (speed >= kSpeeds) return kOutOfRange;
-  const PortPlace place = placeOf(port);
-  if (speed != SPEED_AUTO && (describe(place).speeds & speedBit(speed)) == 0) return kNotSupported;
-  settleAround(place);
-  PortState& state = stateOf(place);
-  state.configuredSpeed = speed;
-  // Applied even if the speed stays what it was: setting it anew is how a changed cache is put into force.
-  state.operatingSpeed = agreedSpeed(place);
-  applyCaches(place);
-  renegotiateAround(place);
-  return kOk;
-}
-
-int Switch::getConfiguredSpeed(port_id_t port, unsigned* speed) const {
-  if (speed == nullptr) return kBadArgument;
-  if (const int code = findPort(port); code != kOk) return code;
-  *speed = stateOf(placeOf(port)).configuredSpeed;
-  return kOk;
-}
-
-int Switch::getRunningSpeed(port_id_t port, unsigned* speed) {
-  if (speed == nullptr) return kBadArgument;
-  if (const int code = findPort(port); code != kOk) return code;
-  const PortPlace place = placeOf(port);
-  const PortState& state = stateOf(place);
-  const bool isSet = state.configuredSpeed != SPEED_AUTO || portStatus(place) == kPortStateRunning;
-  *speed = isSet ? state.operatingSpeed : std::uint32_t{SPEED_INVALID};
-  return kOk;
-}
-
-int Switch::getMedia(port_id_t port, MediaHwFcXmtrType* media) const {
-  if (media == nullptr) return kBadArgument;
-  if (const int code = findPort(port); code != kOk) return code;
-  *media = static_cast<MediaHwFcXmtrType>(describe(placeOf(port)).media);
-  return kOk;
+void setSpeed(const Port& port, std::uint32_t speed) {
+  port.state.configuredSpeed = speed;
+  // Not the speed that it is set to: the same speed set anew is how a changed cache is put into force.
+  port.state.operatingSpeed = SPEED_AUTO;
+  renegotiateAround(port);
 }
 
 }  // namespace simulator

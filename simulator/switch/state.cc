@@ -3,8 +3,6 @@
 
 #include <utility>
 
-#include "simulator/switch/switch.h"
-
 namespace simulator {
 namespace {
 
@@ -124,55 +122,39 @@ void walkPort(Archive& archive, const std::string& name, const PortDescription& 
   }
 }
 
-// All that changes outside the ASICs.
-struct GeneralState {
-  std::uint64_t now = 0;
-  std::vector<FaultState> faults;
-  std::uint32_t random = 1;
-};
-
 template <typename Archive>
-void walkAll(Archive& archive, const SwitchDescription& description, GeneralState& general,
-             std::vector<AsicState>& asics) {
+void walkAll(Archive& archive, const SwitchDescription& description, SwitchState& state) {
   archive.begin("switch");
-  archive.value(general.now, kAny);
-  archive.value(general.random, UINT32_MAX);
-  for (FaultState& fault : general.faults) {
+  archive.value(state.now, kAny);
+  archive.value(state.random, UINT32_MAX);
+  for (FaultState& fault : state.faults) {
     archive.value(fault.matches, UINT32_MAX);
     archive.value(fault.fired, UINT32_MAX);
   }
-  for (std::size_t a = 0; a < asics.size(); ++a) {
+  for (std::size_t a = 0; a < state.asics.size(); ++a) {
     const std::string asicName = "asic" + std::to_string(a);
-    for (std::size_t c = 0; c < asics[a].plls.size(); ++c) {
-      walkRegisters(archive, asicName + ".pll" + std::to_string(c), asics[a].plls[c]);
-    }
-    for (std::size_t p = 0; p < asics[a].ports.size(); ++p) {
-      walkPort(archive, asicName + ".port" + std::to_string(p), description.asics[a].ports[p], general.now,
-               asics[a].ports[p]);
+    AsicState& asic = state.asics[a];
+    for (std::size_t c = 0; c < asic.plls.size(); ++c)
+      walkRegisters(archive, asicName + ".pll" + std::to_string(c), asic.plls[c]);
+    for (std::size_t p = 0; p < asic.ports.size(); ++p) {
+      walkPort(archive, asicName + ".port" + std::to_string(p), description.asics[a].ports[p], state.now,
+               asic.ports[p]);
     }
   }
 }
 
 }  // namespace
 
-std::vector<StateRecord> Switch::exportState() const {
-  GeneralState general{.now = clock_.now(), .faults = faults_.states(), .random = faults_.random().state()};
-  std::vector<AsicState> asics = asics_;
+std::vector<StateRecord> toRecords(const SwitchDescription& description, SwitchState state) {
   Writer writer;
-  walkAll(writer, description_, general, asics);
+  walkAll(writer, description, state);
   return std::move(writer.records);
 }
 
-bool Switch::importState(const std::vector<StateRecord>& records) {
-  GeneralState general{.faults = faults_.states()};
-  std::vector<AsicState> asics = asics_;
+bool fromRecords(const SwitchDescription& description, const std::vector<StateRecord>& records, SwitchState& state) {
   Reader reader(records);
-  walkAll(reader, description_, general, asics);
-  if (!reader.fits() || general.random == 0) return false;
-  asics_ = std::move(asics);
-  faults_.restore(general.faults, RandomNumbers(general.random));
-  clock_.continueFrom(general.now);
-  return true;
+  walkAll(reader, description, state);
+  return reader.fits() && state.random != 0;
 }
 
 }  // namespace simulator

@@ -10,6 +10,7 @@
 #include "simulator/description/description.h"
 #include "simulator/serdes/register_map.h"
 #include "simulator/switch/error_counter.h"
+#include "simulator/switch/faults.h"
 
 namespace simulator {
 
@@ -42,6 +43,13 @@ struct AsicState {
   std::vector<RegisterFile> plls;
 };
 
+struct SwitchState {
+  std::uint64_t now = 0;  // microseconds
+  std::vector<FaultState> faults;
+  std::uint32_t random = 1;
+  std::vector<AsicState> asics;
+};
+
 // The state as a list of named records, in an order that the description fixes.
 struct StateRecord {
   std::string name;
@@ -49,5 +57,11 @@ struct StateRecord {
 
   bool operator==(const StateRecord&) const = default;
 };
+
+// `state` has the shape that the description asks for: so many ASICs, ports, cores and faults.
+std::vector<StateRecord> toRecords(const SwitchDescription& description, SwitchState state);
+// Takes over a list of exactly the shape that toRecords makes of `state`, with values in range. False when it is not:
+// `state` then is of no use.
+bool fromRecords(const SwitchDescription& description, const std::vector<StateRecord>& records, SwitchState& state);
 
 }  // namespace simulator

@@ -1,62 +1,74 @@
-// Construction, addressing and discovery.
+// Start, addressing, discovery, and operations on whole ports.
 #include "simulator/switch/switch.h"
 
 #include <utility>
 
+#include "simulator/switch/counting.h"
+#include "simulator/switch/speed.h"
+
 namespace simulator {
+namespace {
+
+void resetPort(const Port& port) {
+  port.state.configuredSpeed = port.description.speed;
+  port.state.sends = port.description.sends;
+  port.state.caches = port.description.caches;
+  for (unsigned link = 0; link < kMaxLinks; ++link) {
+    port.state.tx[link].registers = port.tx.map.resetValues();
+    port.setTxField(link, Field::kTxEnable, port.description.sends ? 1 : 0);
+    port.state.rx[link].registers = port.rx.map.resetValues();
+  }
+}
+
+WordPairCounter wordsOf(const ErrorCounter& counter) {
+  return {.high = static_cast<std::uint32_t>(counter.count >> 32), .low = static_cast<std::uint32_t>(counter.count)};
+}
+
+}  // namespace
 
 Switch::Switch(SwitchDescription description)
     : description_(std::move(description)),
       clock_(description_.clock),
-      faults_(description_.faults, description_.seed) {
-  for (unsigned asic = 0; asic < description_.asics.size(); ++asic) {
-    const AsicDescription& described = description_.asics[asic];
+      faults_(description_.faults, description_.seed),
+      results_(description_) {
+  for (const AsicDescription& asic : description_.asics) {
     AsicState& state = asics_.emplace_back();
-    for (const CoreDescription& core : described.cores) {
+    state.ports.resize(asic.ports.size());
+    for (const CoreDescription& core : asic.cores)
       state.plls.push_back(serDesTraits(core.type).pll.resetValues());
+  }
+  const auto forEachPort = [&](auto action) {
+    for (unsigned asic = 0; asic < asics_.size(); ++asic) {
+      for (unsigned port = 0; port < asics_[asic].ports.size(); ++port)
+        action(at(asic, port));
     }
-    state.ports.resize(described.ports.size());
-    memos_.emplace_back(described.ports.size());
-    for (unsigned port = 0; port < described.ports.size(); ++port)
-      resetPort({asic, port});
-  }
+  };
+  forEachPort(resetPort);
   // Speeds are agreed on when every port has its own.
-  for (unsigned asic = 0; asic < asics_.size(); ++asic) {
-    for (unsigned port = 0; port < asics_[asic].ports.size(); ++port)
-      startPort({asic, port});
-  }
-}
-
-void Switch::resetPort(PortPlace place) {
-  const PortDescription& described = describe(place);
-  PortState& state = stateOf(place);
-  state.configuredSpeed = described.speed;
-  state.sends = described.sends;
-  state.caches = described.caches;
-  const SerDesTraits& tx = traitsOf(place, SERDES_LINK_TX);
-  for (TxLinkState& link : state.tx) {
-    link.registers = tx.tx.resetValues();
-    tx.tx.write(link.registers, Field::kTxEnable, described.sends ? 1 : 0);
-  }
-  const SerDesTraits& rx = traitsOf(place, SERDES_LINK_RX);
-  for (RxLinkState& link : state.rx)
-    link.registers = rx.rx.resetValues();
-}
-
-void Switch::startPort(PortPlace place) {
-  renegotiate(place);
-  const PortDescription& described = describe(place);
-  if (!described.live) return;
-  PortState& state = stateOf(place);
-  for (TxLinkState& link : state.tx)
-    applyCache(traitsOf(place, SERDES_LINK_TX), link.registers, described.live->tx);
-  for (RxLinkState& link : state.rx)
-    applyCache(traitsOf(place, SERDES_LINK_RX), link.registers, described.live->rx);
+  forEachPort([](const Port& port) {
+    renegotiate(port);
+    if (port.description.live) putIntoForce(port, *port.description.live);
+  });
 }
 
 const FaultDescription* Switch::beginCall(const CallSite& call) {
   clock_.tick();
   return faults_.onCall(call);
+}
+
+std::vector<StateRecord> Switch::exportState() const {
+  return toRecords(
+      description_,
+      {.now = clock_.now(), .faults = faults_.states(), .random = faults_.random().state(), .asics = asics_});
+}
+
+bool Switch::importState(const std::vector<StateRecord>& records) {
+  SwitchState state{.faults = faults_.states(), .asics = asics_};
+  if (!fromRecords(description_, records, state)) return false;
+  asics_ = std::move(state.asics);
+  faults_.restore(state.faults, RandomNumbers(state.random));
+  clock_.continueFrom(state.now);
+  return true;
 }
 
 int Switch::findPort(unsigned asic, unsigned port) const {
@@ -67,52 +79,12 @@ int Switch::findPort(unsigned asic, unsigned port) const {
 int Switch::findPort(port_id_t id) const {
   const int code = findPort(id.asic, id.asicPort);
   if (code != kOk || id.userPort == kNoUserPort) return code;
-  return id.userPort == describe(placeOf(id)).userPort ? kOk : kBadPort;
+  return id.userPort == at(id).description.userPort ? kOk : kBadPort;
 }
 
-int Switch::findLinks(PortPlace place, SerDesLinkType side, int link, LinkRange* range) const {
-  if (side != SERDES_LINK_RX && side != SERDES_LINK_TX) return kOutOfRange;
-  const unsigned count = linkCount(place, side);
-  if (link == kAllLinks) {
-    *range = {0, count};
-    return kOk;
-  }
-  if (link < 0 || static_cast<unsigned>(link) >= count) return kBadLink;
-  *range = {static_cast<unsigned>(link), static_cast<unsigned>(link) + 1};
-  return kOk;
-}
-
-int Switch::findLink(unsigned asic, unsigned port, SerDesLinkType side, int link) const {
-  if (const int code = findPort(asic, port); code != kOk) return code;
-  if (link == kAllLinks) return kBadLink;
-  LinkRange range;
-  return findLinks({asic, port}, side, link, &range);
-}
-
-const PortDescription& Switch::describe(PortPlace place) const {
-  return description_.asics[place.asic].ports[place.port];
-}
-
-PortState& Switch::stateOf(PortPlace place) {
-  return asics_[place.asic].ports[place.port];
-}
-
-const PortState& Switch::stateOf(PortPlace place) const {
-  return asics_[place.asic].ports[place.port];
-}
-
-unsigned Switch::coreOf(PortPlace place, SerDesLinkType side) const {
-  const PortDescription& port = describe(place);
-  return side == SERDES_LINK_RX ? port.rxCore : port.txCore;
-}
-
-unsigned Switch::linkCount(PortPlace place, SerDesLinkType side) const {
-  const PortDescription& port = describe(place);
-  return side == SERDES_LINK_RX ? port.rxLinks : port.txLinks;
-}
-
-const SerDesTraits& Switch::traitsOf(PortPlace place, SerDesLinkType side) const {
-  return serDesTraits(description_.asics[place.asic].cores[coreOf(place, side)].type);
+int Switch::findCore(unsigned asic, unsigned core) const {
+  if (asic >= asics_.size()) return kBadAsic;
+  return core < asics_[asic].plls.size() ? kOk : kBadCore;
 }
 
 int Switch::getSwitchConfig(Switch_HW_Config_t* config) const {
@@ -139,8 +111,7 @@ int Switch::getCoreInfo(unsigned asic, unsigned core, unsigned short* firstPort,
   for (const unsigned* count : counts) {
     if (count == nullptr) return kBadArgument;
   }
-  if (asic >= asics_.size()) return kBadAsic;
-  if (core >= asics_[asic].plls.size()) return kBadCore;
+  if (const int code = findCore(asic, core); code != kOk) return code;
   const CoreDescription& described = description_.asics[asic].cores[core];
   *firstPort = static_cast<unsigned short>(described.firstPort);
   *type = static_cast<SerDesType>(described.type);
@@ -152,15 +123,15 @@ int Switch::getCoreInfo(unsigned asic, unsigned core, unsigned short* firstPort,
   return kOk;
 }
 
-int Switch::getPortSideInfo(unsigned asic, unsigned port, SerDesLinkType side, unsigned* count, SerDesType* type,
+int Switch::getPortSideInfo(unsigned asic, unsigned port, SerDesLinkType side, unsigned* linkCount, SerDesType* type,
                             unsigned* coreId) const {
-  if (count == nullptr || type == nullptr || coreId == nullptr) return kBadArgument;
+  if (linkCount == nullptr || type == nullptr || coreId == nullptr) return kBadArgument;
   if (const int code = findPort(asic, port); code != kOk) return code;
   if (side != SERDES_LINK_RX && side != SERDES_LINK_TX) return kOutOfRange;
-  const PortPlace place{asic, port};
-  *count = linkCount(place, side);
-  *coreId = coreOf(place, side);
-  *type = static_cast<SerDesType>(description_.asics[asic].cores[*coreId].type);
+  const PortView view = at(asic, port);
+  *linkCount = view.side(side).links;
+  *coreId = view.side(side).coreId;
+  *type = static_cast<SerDesType>(view.side(side).core.type);
   return kOk;
 }
 
@@ -171,11 +142,90 @@ const char* Switch::typeName(SerDesType type) const {
 int Switch::getPortHwConfig(port_id_t port, Port_HW_Config_t* config) const {
   if (config == nullptr) return kBadArgument;
   if (const int code = findPort(port); code != kOk) return code;
-  const PortDescription& described = describe(placeOf(port));
+  const PortDescription& described = at(port).description;
   *config = {};
   config->portId = {.userPort = described.userPort, .asic = port.asic, .asicPort = port.asicPort, .unused = {}};
   config->presence = described.present ? 1 : 0;
   config->portType = described.shownType.value_or(described.portType);
+  return kOk;
+}
+
+int Switch::getPortInfo(port_id_t port, port_info_t selector, unsigned long* value) {
+  if (value == nullptr) return kBadArgument;
+  if (const int code = findPort(port); code != kOk) return code;
+  if (selector != PORT_INFO_STATE) return kOutOfRange;
+  *value = Reception(at(port), results_).portStatus();
+  return kOk;
+}
+
+int Switch::setPortSpeed(port_id_t port, unsigned speed) {
+  if (const int code = findPort(port); code != kOk) return code;
+  if (speed >= kSpeeds) return kOutOfRange;
+  const Port found = at(port);
+  if (speed != SPEED_AUTO && (found.description.speeds & speedBit(speed)) == 0) return kNotSupported;
+  settleAround(found, results_, clock_.now());
+  setSpeed(found, speed);
+  return kOk;
+}
+
+int Switch::getConfiguredSpeed(port_id_t port, unsigned* speed) const {
+  if (speed == nullptr) return kBadArgument;
+  if (const int code = findPort(port); code != kOk) return code;
+  *speed = at(port).state.configuredSpeed;
+  return kOk;
+}
+
+int Switch::getRunningSpeed(port_id_t port, unsigned* speed) {
+  if (speed == nullptr) return kBadArgument;
+  if (const int code = findPort(port); code != kOk) return code;
+  const Port found = at(port);
+  const bool isSet =
+      found.state.configuredSpeed != SPEED_AUTO || Reception(found, results_).portStatus() == kPortStateRunning;
+  *speed = isSet ? found.state.operatingSpeed : std::uint32_t{SPEED_INVALID};
+  return kOk;
+}
+
+int Switch::getMedia(port_id_t port, MediaHwFcXmtrType* media) const {
+  if (media == nullptr) return kBadArgument;
+  if (const int code = findPort(port); code != kOk) return code;
+  *media = static_cast<MediaHwFcXmtrType>(at(port).description.media);
+  return kOk;
+}
+
+int Switch::setStream(port_id_t port, bool enable) {
+  if (const int code = findPort(port); code != kOk) return code;
+  const Port found = at(port);
+  settleAround(found, results_, clock_.now());
+  found.state.sends = enable;
+  for (unsigned link = 0; link < found.tx.links; ++link)
+    found.setTxField(link, Field::kTxEnable, enable ? 1 : 0);
+  return kOk;
+}
+
+int Switch::getStream(port_id_t port, bool* enabled) const {
+  if (enabled == nullptr) return kBadArgument;
+  if (const int code = findPort(port); code != kOk) return code;
+  *enabled = streamOn(at(port));
+  return kOk;
+}
+
+int Switch::getCounters(port_id_t port, drv_counters_t* counters) {
+  if (counters == nullptr) return kBadArgument;
+  if (const int code = findPort(port); code != kOk) return code;
+  const Port found = at(port);
+  settle(found, results_, clock_.now());
+  *counters = {};
+  counters->decodeErrors = wordsOf(found.state.decodeErrors);
+  counters->crcErrors = wordsOf(found.state.crcErrors);
+  return kOk;
+}
+
+int Switch::clearCounters(port_id_t port) {
+  if (const int code = findPort(port); code != kOk) return code;
+  const Port found = at(port);
+  settle(found, results_, clock_.now());
+  found.state.decodeErrors = {};
+  found.state.crcErrors = {};
   return kOk;
 }
 

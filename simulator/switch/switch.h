@@ -1,59 +1,34 @@
-// The simulated switch: its state, and what every platform operation does to it. Operations answer kOk or one of the
-// error codes; an operation that refuses changes nothing. Whether the platform is open is not asked here.
+// The simulated switch: what every platform operation does. Operations answer kOk or one of the error codes; an
+// operation that refuses changes nothing. Whether the platform is open is not asked here.
 //
-// Link results are worked out when somebody asks and kept until an input of theirs changes. Errors are counted up to
-// now just before anything changes that their rate depends on, and when they are read.
+// An operation checks what it is given, finds the port, lets errors be counted up to now if it changes anything, and
+// leaves the rest to the parts: speed.h, incoming.h, link_results.h, reception.h, counting.h, registers.h,
+// test_options.h and the settings of serdes/.
 #pragma once
 
 #include <array>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "simulator/api.h"
-#include "simulator/description/clock.h"
-#include "simulator/description/description.h"
-#include "simulator/description/faults.h"
 #include "simulator/error_codes.h"
-#include "simulator/link/model.h"
 #include "simulator/serdes/settings.h"
+#include "simulator/switch/clock.h"
+#include "simulator/switch/faults.h"
+#include "simulator/switch/link_results.h"
+#include "simulator/switch/reception.h"
 #include "simulator/switch/state.h"
+#include "simulator/switch/test_options.h"
 
 namespace simulator {
 
-// What GetPortInfo gives for a port; kPortStateRunning when frames pass.
-enum PortStatus : unsigned long {
-  kStatusNoLinks = 0,
-  kStatusNoMedia = 1,
-  kStatusNotSending = 2,  // the transmit stream is off
-  kStatusNoPll = 3,       // the PLL of a core of the port is off
-  kStatusNoSpeed = 4,     // no speed that both ends run at and the media carries
-  kStatusNoSignal = 5,
-  kStatusNoLock = 6,   // a receive link cannot follow what arrives
-  kStatusPattern = 7,  // a test pattern arrives in place of frames
-};
-
-// Test options of SetSerDesTestOption; the numbers are the tool's.
-enum TestOption : std::uint32_t {
-  kTestLoopback = 0,
-  kTestSendPattern = 1,
-  kTestHoldDfe = 2,
-  kTestCheckPattern = 3,
-  kTestMargin = 4,
-  kTestInjectErrors = 6,
-  kTestReadapt = 7,
-  kTestClearCheck = 8,
-  kTestTemperature = 9,
-};
-
-inline constexpr int kAllLinks = -1;
 inline constexpr const char* kUnknownType = "UNKNOWN";  // name of a SerDes type that is not one of the seven
 
 class SIMULATOR_API Switch {
  public:
   explicit Switch(SwitchDescription description);
 
-  // A platform call begins: time passes, and a fault may befall it (null: none does).
+  // A platform call begins: time passes, and a fault may apply to it (null: none does).
   const FaultDescription* beginCall(const CallSite& call);
 
   int getSwitchConfig(Switch_HW_Config_t* config) const;
@@ -111,105 +86,44 @@ class SIMULATOR_API Switch {
 
   // How many link results have been worked out so far; for tests and measurements.
   unsigned evaluations() const {
-    return evaluations_;
+    return results_.evaluations();
   }
 
  private:
-  // A port that exists.
-  struct PortPlace {
-    unsigned asic;
-    unsigned port;
-  };
-  // Links first to last - 1 of a side.
-  struct LinkRange {
-    unsigned first;
-    unsigned last;
-  };
-  // What arrives at a receive link.
-  struct Incoming {
-    bool arrives = false;
-    Transmitter transmitter;
-    const Channel* channel = nullptr;
-    double baudGbd = 0;
-    unsigned pattern = 0;
-  };
-  static constexpr std::size_t kMemoInputs = 28;
-  // A link result with the inputs that it belongs to.
-  struct Memo {
-    std::array<int, kMemoInputs> inputs{};
-    bool valid = false;
-    LinkResult result;
-  };
-
-  // switch.cc: start, addressing, discovery.
-  void resetPort(PortPlace place);
-  void startPort(PortPlace place);
-  static PortPlace placeOf(port_id_t id) {
-    return {id.asic, id.asicPort};
-  }
   int findPort(unsigned asic, unsigned port) const;
   int findPort(port_id_t id) const;
-  int findLinks(PortPlace place, SerDesLinkType side, int link, LinkRange* range) const;
   int findLink(unsigned asic, unsigned port, SerDesLinkType side, int link) const;
-  const PortDescription& describe(PortPlace place) const;
-  PortState& stateOf(PortPlace place);
-  const PortState& stateOf(PortPlace place) const;
-  unsigned coreOf(PortPlace place, SerDesLinkType side) const;
-  unsigned linkCount(PortPlace place, SerDesLinkType side) const;
-  const SerDesTraits& traitsOf(PortPlace place, SerDesLinkType side) const;
-
-  // switch_settings.cc: sets that address one link or all.
-  template <typename Set>
-  int setTx(unsigned asic, unsigned port, int link, Set set);
-  template <typename Set>
-  int setRx(unsigned asic, unsigned port, int link, Set set);
+  int findCore(unsigned asic, unsigned core) const;
   int findCache(unsigned asic, unsigned port, port_speed_type rate) const;
-
-  // switch_speed.cc: which speed a port's SerDes is set to.
-  SpeedSet allowedSpeeds(PortPlace place) const;
-  SpeedSet farSpeeds(PortPlace place) const;
-  std::uint32_t agreedSpeed(PortPlace place) const;
-  std::uint32_t farOperatingSpeed(PortPlace place) const;
-  std::uint32_t lineSpeed(PortPlace place) const;
-  std::uint32_t partnerLineSpeed(PortPlace place) const;
-  bool allLooped(PortPlace place) const;
-  void applyCaches(PortPlace place);
-  void renegotiate(PortPlace place);
-  void renegotiateAround(PortPlace place);
-  bool cabledTo(PortPlace place, PortPlace* far) const;
-  bool carries(PortPlace place, std::uint32_t speed) const;
-
-  // switch_links.cc: what links show and how ports stand.
-  bool pllLocked(unsigned asic, unsigned core) const;
-  bool sends(PortPlace place) const;
-  bool linkSends(PortPlace place, unsigned link) const;
-  double baudOf(PortPlace place, std::uint32_t speed, SerDesLinkType side) const;
-  Incoming sentBy(PortPlace place, unsigned link) const;
-  Incoming sentByPartner(PortPlace place) const;
-  Incoming incomingOf(PortPlace place, unsigned link) const;
-  const LinkResult& resultOf(PortPlace place, unsigned link);
-  unsigned long portStatus(PortPlace place);
-  void settle(PortPlace place);
-  void settleAround(PortPlace place);
-  void settleCore(unsigned asic, unsigned core);
-
-  // switch_registers.cc.
-  RegisterFile readableTx(PortPlace place, unsigned link) const;
-  RegisterFile readableRx(PortPlace place, unsigned link, unsigned address, unsigned count);
-  void holdTaps(PortPlace place, unsigned link);
-  void writeRxRegister(PortPlace place, unsigned link, unsigned address, std::uint16_t value);
-  int temperatureOf(unsigned asic, unsigned core) const;
-
-  // switch_tests.cc.
-  void injectErrors(PortPlace place, unsigned link, std::uint32_t errors);
-  void receiveErrors(PortPlace place, unsigned link, std::uint32_t errors);
+  // Of an ASIC, port or link that has been found.
+  Asic at(unsigned asic) {
+    return {asic, description_.asics[asic], asics_[asic]};
+  }
+  AsicView at(unsigned asic) const {
+    return {asic, description_.asics[asic], asics_[asic]};
+  }
+  Port at(unsigned asic, unsigned port) {
+    return {at(asic), port};
+  }
+  PortView at(unsigned asic, unsigned port) const {
+    return {at(asic), port};
+  }
+  Port at(port_id_t id) {
+    return at(id.asic, id.asicPort);
+  }
+  PortView at(port_id_t id) const {
+    return at(id.asic, id.asicPort);
+  }
+  template <typename Set>
+  int setLinks(unsigned asic, unsigned port, SerDesLinkType side, int link, Set set);
+  template <typename Get>
+  int getLink(unsigned asic, unsigned port, SerDesLinkType side, int link, Get get) const;
 
   SwitchDescription description_;
   Clock clock_;
   Faults faults_;
   std::vector<AsicState> asics_;
-  std::vector<std::vector<std::array<Memo, kMaxLinks>>> memos_;
-  unsigned evaluations_ = 0;
+  LinkResults results_;
 };
 
 }  // namespace simulator

@@ -1,4 +1,4 @@
-#include "simulator/description/faults.h"
+#include "simulator/switch/faults.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@ constexpr CallSite ffeOf(unsigned port, int link = -1) {
   return {.operation = Operation::kSetSerDesTxFFE, .asic = 0, .port = port, .link = link};
 }
 
-// The calls, counted from 1, that a fault befalls when the same call is made again and again.
+// The calls, counted from 1, that a fault applies to when the same call is made again and again.
 std::vector<int> struck(Faults& faults, const CallSite& call, int calls) {
   std::vector<int> result;
   for (int i = 1; i <= calls; ++i) {

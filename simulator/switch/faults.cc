@@ -1,5 +1,5 @@
-// Which fault befalls which call.
-#include "simulator/description/faults.h"
+// Which fault applies to which call.
+#include "simulator/switch/faults.h"
 
 #include <utility>
 

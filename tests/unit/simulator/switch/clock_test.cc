@@ -1,0 +1,43 @@
+#include "simulator/switch/clock.h"
+
+#include <gtest/gtest.h>
+
+namespace simulator {
+namespace {
+
+TEST(VirtualClock, GoesItsStepWithEachTick) {
+  Clock clock({.isVirtual = true, .step = 250});
+  EXPECT_EQ(clock.now(), 0U);
+  clock.tick();
+  clock.tick();
+  EXPECT_EQ(clock.now(), 500U);
+}
+
+TEST(VirtualClock, ContinuesFromWhereItIsPut) {
+  Clock clock({.isVirtual = true, .step = 1});
+  clock.continueFrom(1'000'000);
+  clock.tick();
+  EXPECT_EQ(clock.now(), 1'000'001U);
+}
+
+TEST(MonotonicClock, GoesOnByItselfAndNeverBack) {
+  Clock clock({});
+  std::uint64_t last = clock.now();
+  // Bounded by what the machine does in a millisecond, without waiting for any particular time.
+  while (clock.now() < 1000) {
+    clock.tick();
+    ASSERT_GE(clock.now(), last);
+    last = clock.now();
+  }
+}
+
+TEST(MonotonicClock, ContinuesFromWhereItIsPut) {
+  Clock clock({});
+  clock.continueFrom(5'000'000'000);
+  clock.tick();
+  EXPECT_GE(clock.now(), 5'000'000'000U);
+  EXPECT_LT(clock.now(), 5'600'000'000U);
+}
+
+}  // namespace
+}  // namespace simulator
