@@ -23,6 +23,10 @@ void writeTaps(const RegisterMap& map, RegisterFile& registers, const LinkResult
 
 }  // namespace
 
+int eyeReading(const LinkResult& result) {
+  return readingOf(result.eyeHeightV * result.gain / kLsbV);
+}
+
 int temperatureOf(const AsicView& asic, unsigned core) {
   int temperature = asic.description.cores[core].temperature;
   for (unsigned number = 0; number < asic.state.ports.size(); ++number) {
@@ -70,7 +74,7 @@ RegisterFile readableRx(Reception& reception, unsigned link) {
   map.write(registers, kSignalDetect, result.signalDetected ? 1 : 0);
   map.write(registers, kLock, result.locked ? 1 : 0);
   map.write(registers, kGainInRange, result.gainInRange ? 1 : 0);
-  map.write(registers, kEyeHeight, readingOf(result.eyeHeightV * result.gain / kLsbV));
+  map.write(registers, kEyeHeight, eyeReading(result));
   map.write(registers, kAp, readingOf(result.ap));
   map.write(registers, kAmin, readingOf(result.amin));
   map.write(registers, kAn, readingOf(result.an));

@@ -5,6 +5,8 @@
 
 namespace simulator {
 
+// The eye's height in converter steps.
+int eyeReading(const LinkResult& result);
 int temperatureOf(const AsicView& asic, unsigned core);
 
 // Registers with what is worked out filled in.

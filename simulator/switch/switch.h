@@ -114,10 +114,11 @@ class SIMULATOR_API Switch {
   PortView at(port_id_t id) const {
     return at(id.asic, id.asicPort);
   }
-  template <typename Set>
-  int setLinks(unsigned asic, unsigned port, SerDesLinkType side, int link, Set set);
-  template <typename Get>
-  int getLink(unsigned asic, unsigned port, SerDesLinkType side, int link, Get get) const;
+  // Settings of one link or all; `set` and `get` are those of serdes/settings.h.
+  template <typename Set, typename... Values>
+  int setLinks(unsigned asic, unsigned port, SerDesLinkType side, int link, Set set, const Values&... values);
+  template <typename Get, typename Value>
+  int getLink(unsigned asic, unsigned port, SerDesLinkType side, int link, Get get, Value* value) const;
 
   SwitchDescription description_;
   Clock clock_;

@@ -44,8 +44,8 @@ int Switch::findCache(unsigned asic, unsigned port, port_speed_type rate) const 
 }
 
 // A set is judged by the SerDes type and the values alone, so that the first link's answer is every link's.
-template <typename Set>
-int Switch::setLinks(unsigned asic, unsigned port, SerDesLinkType side, int link, Set set) {
+template <typename Set, typename... Values>
+int Switch::setLinks(unsigned asic, unsigned port, SerDesLinkType side, int link, Set set, const Values&... values) {
   if (const int code = findPort(asic, port); code != kOk) return code;
   const Port found = at(asic, port);
   LinkRange range;
@@ -54,16 +54,17 @@ int Switch::setLinks(unsigned asic, unsigned port, SerDesLinkType side, int link
   if (side == SERDES_LINK_RX) settle(found, results_, clock_.now());
   if (side == SERDES_LINK_TX) settleAround(found, results_, clock_.now());
   for (unsigned l = range.first; l < range.last; ++l) {
-    if (const int code = set(found.side(side).traits, found.registers(side, l)); code != kOk) return code;
+    if (const int code = set(found.side(side).traits, found.registers(side, l), values...); code != kOk) return code;
   }
   return kOk;
 }
 
-template <typename Get>
-int Switch::getLink(unsigned asic, unsigned port, SerDesLinkType side, int link, Get get) const {
+template <typename Get, typename Value>
+int Switch::getLink(unsigned asic, unsigned port, SerDesLinkType side, int link, Get get, Value* value) const {
+  if (value == nullptr) return kBadArgument;
   if (const int code = findLink(asic, port, side, link); code != kOk) return code;
   const PortView found = at(asic, port);
-  get(found.side(side).traits, found.registers(side, static_cast<unsigned>(link)));
+  *value = static_cast<Value>(get(found.side(side).traits, found.registers(side, static_cast<unsigned>(link))));
   return kOk;
 }
 
@@ -128,56 +129,41 @@ int Switch::writePllRegister(unsigned asic, unsigned core, unsigned address, std
 }
 
 int Switch::setTxFfe(unsigned asic, unsigned port, int link, const FfeSettings& settings) {
-  return setLinks(asic, port, SERDES_LINK_TX, link,
-                  [&](const SerDesTraits& traits, RegisterFile& tx) { return setFfe(traits, tx, settings); });
+  return setLinks(asic, port, SERDES_LINK_TX, link, setFfe, settings);
 }
 
 int Switch::getTxFfe(unsigned asic, unsigned port, int link, FfeSettings* settings) const {
-  if (settings == nullptr) return kBadArgument;
-  return getLink(asic, port, SERDES_LINK_TX, link,
-                 [&](const SerDesTraits& traits, const RegisterFile& tx) { *settings = ffeOf(traits, tx); });
+  return getLink(asic, port, SERDES_LINK_TX, link, ffeOf, settings);
 }
 
 int Switch::setTxSlew(unsigned asic, unsigned port, int link, bool enable, SerDesTxSlewRate slew) {
-  return setLinks(asic, port, SERDES_LINK_TX, link,
-                  [&](const SerDesTraits& traits, RegisterFile& tx) { return setSlew(traits, tx, enable, slew); });
+  return setLinks(asic, port, SERDES_LINK_TX, link, setSlew, enable, slew);
 }
 
 int Switch::getTxSlew(unsigned asic, unsigned port, int link, bool* enable, SerDesTxSlewRate* slew) const {
-  if (enable == nullptr || slew == nullptr) return kBadArgument;
-  return getLink(asic, port, SERDES_LINK_TX, link, [&](const SerDesTraits& traits, const RegisterFile& tx) {
-    *enable = slewEnabled(traits, tx);
-    *slew = static_cast<SerDesTxSlewRate>(slewOf(traits, tx));
-  });
+  if (slew == nullptr) return kBadArgument;
+  if (const int code = getLink(asic, port, SERDES_LINK_TX, link, slewEnabled, enable); code != kOk) return code;
+  return getLink(asic, port, SERDES_LINK_TX, link, slewOf, slew);
 }
 
 int Switch::setRxDfe(unsigned asic, unsigned port, int link, SerDesRxDFEMode mode) {
-  return setLinks(asic, port, SERDES_LINK_RX, link,
-                  [&](const SerDesTraits& traits, RegisterFile& rx) { return setDfe(traits, rx, mode); });
+  return setLinks(asic, port, SERDES_LINK_RX, link, setDfe, mode);
 }
 
 int Switch::getRxDfe(unsigned asic, unsigned port, int link, SerDesRxDFEMode* mode) const {
-  if (mode == nullptr) return kBadArgument;
-  return getLink(asic, port, SERDES_LINK_RX, link, [&](const SerDesTraits& traits, const RegisterFile& rx) {
-    *mode = static_cast<SerDesRxDFEMode>(dfeOf(traits, rx));
-  });
+  return getLink(asic, port, SERDES_LINK_RX, link, dfeOf, mode);
 }
 
 int Switch::setRxVga(unsigned asic, unsigned port, int link, const VgaSettings& settings) {
-  return setLinks(asic, port, SERDES_LINK_RX, link,
-                  [&](const SerDesTraits& traits, RegisterFile& rx) { return setVga(traits, rx, settings); });
+  return setLinks(asic, port, SERDES_LINK_RX, link, setVga, settings);
 }
 
 int Switch::getRxVga(unsigned asic, unsigned port, int link, VgaSettings* settings) const {
-  if (settings == nullptr) return kBadArgument;
-  return getLink(asic, port, SERDES_LINK_RX, link,
-                 [&](const SerDesTraits& traits, const RegisterFile& rx) { *settings = vgaOf(traits, rx); });
+  return getLink(asic, port, SERDES_LINK_RX, link, vgaOf, settings);
 }
 
 int Switch::setRxDfeState(unsigned asic, unsigned port, int link, const SerDesRxDFEState* state) {
-  if (state == nullptr) return kBadArgument;
-  return setLinks(asic, port, SERDES_LINK_RX, link,
-                  [&](const SerDesTraits& traits, RegisterFile& rx) { return setDfeState(traits, rx, *state); });
+  return state == nullptr ? kBadArgument : setLinks(asic, port, SERDES_LINK_RX, link, setDfeState, *state);
 }
 
 int Switch::getRxDfeStats(unsigned asic, unsigned port, int link, SerDesRxDFEStats* stats) {
@@ -232,7 +218,7 @@ int Switch::setTestOption(unsigned asic, unsigned port, int link, std::uint32_t 
   if (!row->isFor(found) && range.first < range.last) return kNotSupported;
   settleAround(found, results_, clock_.now());
   for (unsigned l = range.first; l < range.last; ++l)
-    row->set(found, l, mode, results_);
+    row->set({.port = found, .number = l, .results = results_}, mode);
   return kOk;
 }
 

@@ -19,15 +19,24 @@ enum TestOption : std::uint32_t {
   kTestTemperature = 9,
 };
 
+// A link that an option is set on; errors are counted up to now.
+struct TestedLink {
+  const Port& port;
+  unsigned number;
+  LinkResults& results;
+
+  RxLinkState& rx() const {
+    return port.state.rx[number];
+  }
+};
+
 struct TestOptionRow {
   TestOption option;
   SerDesLinkType side;  // whose links it is about
   int greatestMode;     // modes start at 0
   bool needsDfe = false;
-  // Sets the mode on one link. Errors are counted up to now.
-  void (*set)(const Port& port, unsigned link, int mode, LinkResults& results);
-  // The status of one link; null when there is none to read.
-  int (*status)(Reception& reception, unsigned link) = nullptr;
+  void (*set)(const TestedLink& link, int mode);
+  int (*status)(Reception& reception, unsigned link) = nullptr;  // null: there is none to read
 
   bool isFor(const PortView& port) const {
     return !needsDfe || port.rx.map.has(Field::kHold);
