@@ -60,7 +60,6 @@ void settleCore(const Asic& asic, unsigned core, LinkResults& results, std::uint
 
 void receiveErrors(const Port& port, unsigned link, std::uint32_t errors, LinkResults& results) {
   Reception reception(port, results);
-  if (!reception.incoming(link).arrives || !reception.result(link).locked) return;
   if (reception.portStatus() == kPortStateRunning) {
     port.state.decodeErrors.count += errors;
     port.state.crcErrors.count += errors;

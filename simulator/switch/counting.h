@@ -14,7 +14,7 @@ void settleAround(const Port& port, LinkResults& results, std::uint64_t now);
 // Also at all ports that a core serves.
 void settleCore(const Asic& asic, unsigned core, LinkResults& results, std::uint64_t now);
 
-// Bit errors at once in what a receive link hears, if it can follow that.
+// Bit errors at once in what a receive link hears: nobody sees them without lock.
 void receiveErrors(const Port& port, unsigned link, std::uint32_t errors, LinkResults& results);
 
 }  // namespace simulator

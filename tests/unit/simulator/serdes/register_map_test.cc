@@ -130,5 +130,20 @@ TEST(RegisterMap, AFieldThatATypeLacksReadsAsZeroAndTakesNothing) {
   EXPECT_EQ(registers, before);
 }
 
+TEST(RegisterMap, TapsReadingsAndTemperatureAreSignedAndNothingElse) {
+  for (const NamedMap& named : allMaps()) {
+    for (const FieldPlace& place : named.map->fields) {
+      const bool isSigned =
+          isTap(place.field) ||
+          std::set{kC0, kC1, kC2, kC3, kEyeHeight, kAp, kAmin, kAn, kTemperature}.contains(place.field);
+      RegisterFile registers{};
+      registers[place.address] = static_cast<std::uint16_t>(placeMask(place));
+      const int allBits = (1 << place.width) - 1;
+      EXPECT_EQ(named.map->read(registers, place.field), isSigned ? -1 : allBits)
+          << named.name << " register " << int{place.address};
+    }
+  }
+}
+
 }  // namespace
 }  // namespace simulator

@@ -4,10 +4,7 @@ namespace simulator {
 namespace {
 
 using Links = SwitchTest;
-using Counters = SwitchTest;
 using Stream = SwitchTest;
-
-constexpr FfeSettings kTuned = {.mode = FFE_3, .k = 115, .c = {-4, 55, -25, 0}};
 
 TEST_F(Links, TheFarTransmitterShapesWhatAReceiverShows) {
   const SerDesRxDFEStats before = statsOf(2);
@@ -46,114 +43,6 @@ TEST_F(Links, OfOtherPortsAreNotWorkedOutByTheWay) {
   passSeconds(1);
   EXPECT_EQ(statusOf(0), kPortStateRunning);
   EXPECT_EQ(sw.evaluations(), 1U);
-}
-
-TEST_F(Counters, CountDecodeAndCrcErrorsOverTime) {
-  ASSERT_EQ(statusOf(1), kPortStateRunning);
-  EXPECT_EQ(decodeErrors(1), 0U);
-  passSeconds(1);
-  const std::uint64_t aSecond = decodeErrors(1);
-  EXPECT_GT(aSecond, 1000U);
-  EXPECT_GT(crcErrors(1), 1000U);
-  passSeconds(9);
-  EXPECT_NEAR(static_cast<double>(decodeErrors(1)), 10.0 * static_cast<double>(aSecond), 10);
-}
-
-TEST_F(Counters, DoNotDependOnHowOftenTheyAreRead) {
-  Switch other(readDescription(kBenchSwitch, "bench.toml"));
-  for (int i = 0; i < 100; ++i) {
-    (void)other.beginCall({});
-    passSeconds(1);
-    (void)decodeErrors(1);
-  }
-  drv_counters_t counters;
-  ASSERT_EQ(other.getCounters(id(1), &counters), kOk);
-  EXPECT_EQ(whole(counters.decodeErrors), decodeErrors(1));
-  EXPECT_EQ(whole(counters.crcErrors), crcErrors(1));
-}
-
-TEST_F(Counters, TuningTakesTheErrorsToNone) {
-  passSeconds(10);
-  EXPECT_GT(decodeErrors(1), 10000U);
-  ASSERT_EQ(sw.setTxFfe(0, 1, -1, kTuned), kOk);
-  ASSERT_EQ(sw.setTxSlew(0, 1, -1, true, SLEW_36PS), kOk);
-  const std::uint64_t soFar = decodeErrors(1);
-  passSeconds(10);
-  EXPECT_EQ(decodeErrors(1), soFar);
-}
-
-TEST_F(Counters, WhatWasBadUntilAChangeIsCountedEvenIfNobodyLooked) {
-  passSeconds(10);
-  ASSERT_EQ(sw.setTxFfe(0, 1, -1, kTuned), kOk);
-  ASSERT_EQ(sw.setTxSlew(0, 1, -1, true, SLEW_36PS), kOk);
-  EXPECT_GT(decodeErrors(1), 10000U);
-}
-
-TEST_F(Counters, StandStillWithoutSignal) {
-  ASSERT_EQ(sw.setStream(id(1), false), kOk);
-  passSeconds(10);
-  EXPECT_EQ(decodeErrors(1), 0U);
-  EXPECT_EQ(crcErrors(1), 0U);
-  EXPECT_LT(statsOf(1).Ap, 5);
-}
-
-TEST_F(Counters, StandStillWhileThePortIsDown) {
-  passSeconds(1);
-  const std::uint64_t soFar = decodeErrors(1);
-  ASSERT_EQ(sw.writePllRegister(0, 0, 1, 0), kOk);
-  passSeconds(10);
-  EXPECT_EQ(decodeErrors(1), soFar);
-  ASSERT_EQ(sw.writePllRegister(0, 0, 1, 1), kOk);
-  passSeconds(1);
-  EXPECT_GT(decodeErrors(1), soFar);
-}
-
-TEST_F(Counters, AreClearedByThePort) {
-  passSeconds(1);
-  ASSERT_GT(decodeErrors(1), 0U);
-  ASSERT_EQ(sw.clearCounters(id(1)), kOk);
-  EXPECT_EQ(decodeErrors(1), 0U);
-  EXPECT_EQ(crcErrors(1), 0U);
-  EXPECT_EQ(sw.clearCounters(id(9)), kBadPort);
-}
-
-TEST_F(Counters, FillTheWholeRecord) {
-  drv_counters_t counters;
-  counters.beforeDecodeErrors.fill(0xaa);
-  counters.rest.fill(0xaa);
-  passSeconds(1);
-  ASSERT_EQ(sw.getCounters(id(1), &counters), kOk);
-  for (const std::uint8_t byte : counters.rest)
-    ASSERT_EQ(byte, 0);
-  for (const std::uint8_t byte : counters.beforeDecodeErrors)
-    ASSERT_EQ(byte, 0);
-  EXPECT_EQ(counters.decodeErrors.high, 0U);
-  EXPECT_GT(counters.decodeErrors.low, 0U);
-}
-
-TEST_F(Counters, GoBeyond32Bits) {
-  // Sixteen milliard and more: over a million errors a second for hours, with an hour a call.
-  Switch slow(readDescription("clock = { kind = \"virtual\", step = 3600000000 }\n" +
-                                  kBenchSwitch.substr(kBenchSwitch.find("[settings.good]")) +
-                                  "[[asics.ports]]\nports = 1\nlive = \"slack\"\ncache = { 10G = \"slack\" }\n",
-                              "slow.toml"));
-  for (int i = 0; i < 200; ++i)
-    (void)slow.beginCall({});
-  drv_counters_t counters;
-  ASSERT_EQ(slow.getCounters(id(1), &counters), kOk);
-  EXPECT_GT(whole(counters.decodeErrors), std::uint64_t{UINT32_MAX});
-  EXPECT_GT(counters.decodeErrors.high, 0U);
-}
-
-class IdlePort : public SwitchTest {
- protected:
-  IdlePort() : SwitchTest("[[asics.ports]]\nports = 1\nload = 0\n") {}
-};
-
-TEST_F(IdlePort, CountsDecodeErrorsButNoFrames) {
-  passSeconds(5);
-  EXPECT_GT(decodeErrors(1), 0U);
-  EXPECT_EQ(crcErrors(1), 0U);
 }
 
 TEST_F(Stream, DisabledItSilencesTheFarEnd) {

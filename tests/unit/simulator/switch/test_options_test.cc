@@ -84,6 +84,53 @@ TEST_F(Pattern, CheckingFindsNothingInFramesOrInAnotherPattern) {
   EXPECT_EQ(testStatus(1, kTestCheckPattern), 0);
 }
 
+TEST_F(Pattern, CheckingThatIsStartedAgainWhileItRunsCountsFromThere) {
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestSendPattern, 1), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestCheckPattern, 1), kOk);
+  passSeconds(9);
+  const int errors = testStatus(1, kTestCheckPattern);
+  ASSERT_GT(errors, 9000);
+  passSeconds(9);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestCheckPattern, 1), kOk);
+  EXPECT_EQ(testStatus(1, kTestCheckPattern), 0);
+  passSeconds(3);
+  EXPECT_NEAR(testStatus(1, kTestCheckPattern), errors / 3.0, errors / 30.0);
+}
+
+TEST_F(Pattern, TheCountIsTheSameWhetherTheRegisterOrTheStatusIsReadFirst) {
+  Switch other(readDescription(kBenchSwitch, "bench.toml"));
+  for (Switch* each : {&sw, &other}) {
+    ASSERT_EQ(each->setTxSlew(0, 1, 0, true, SLEW_75PS), kOk);
+    ASSERT_EQ(each->setTestOption(0, 1, 0, kTestSendPattern, 1), kOk);
+    ASSERT_EQ(each->setTestOption(0, 1, 0, kTestCheckPattern, 1), kOk);
+  }
+  passSeconds(2);
+  (void)other.beginCall({});
+  (void)other.beginCall({});
+  const unsigned byRegister = readRx(1, 11);
+  EXPECT_GT(byRegister, 0U);
+  EXPECT_LT(byRegister, 65535U);
+  int byStatus = 0;
+  ASSERT_EQ(other.getTestStatus(0, 1, 0, kTestCheckPattern, &byStatus), kOk);
+  EXPECT_EQ(static_cast<unsigned>(byStatus), byRegister);
+  EXPECT_EQ(testStatus(1, kTestCheckPattern), byStatus);
+}
+
+TEST_F(Pattern, CheckingWithoutLockFindsAndCountsNothing) {
+  ASSERT_EQ(sw.setTestOption(0, 2, 0, kTestSendPattern, 1), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 3, 0, kTestCheckPattern, 1), kOk);
+  ASSERT_EQ(testStatus(3, kTestCheckPattern), 0);
+  ASSERT_EQ(sw.setPortSpeed(id(3), SPEED_8G), kOk);
+  ASSERT_EQ(sw.setPortSpeed(id(2), SPEED_4G), kOk);  // a signal that the far end cannot follow
+  ASSERT_EQ(readRx(3, 2) & 0x3U, 0x1U);
+  EXPECT_EQ(testStatus(3, kTestCheckPattern), -1);
+  passSeconds(10);
+  ASSERT_EQ(sw.setTestOption(0, 2, 0, kTestInjectErrors, 5), kOk);
+  EXPECT_EQ(readRx(3, 11), 0U);
+  ASSERT_EQ(sw.setPortSpeed(id(2), SPEED_8G), kOk);
+  EXPECT_EQ(testStatus(3, kTestCheckPattern), 0);
+}
+
 TEST_F(Pattern, TheCheckersCountCanBeCleared) {
   ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestSendPattern, 3), kOk);
   ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestCheckPattern, 3), kOk);
@@ -110,6 +157,14 @@ TEST_F(HoldDfe, HoldingWhatIsHeldKeepsIt) {
   ASSERT_EQ(sw.setRxDfeState(0, 1, 0, &state), kOk);
   ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestHoldDfe, 1), kOk);
   EXPECT_EQ(statsOf(1).h[0], 9);
+}
+
+TEST_F(HoldDfe, HeldAgainItKeepsTheTapsOfTheFirstTime) {
+  const SerDesRxDFEStats adapted = statsOf(1);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestHoldDfe, 1), kOk);
+  ASSERT_EQ(sw.setTxSlew(0, 1, -1, true, SLEW_36PS), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestHoldDfe, 1), kOk);
+  EXPECT_EQ(statsOf(1).h, adapted.h);
 }
 
 TEST_F(HoldDfe, AdaptingAnewTakesTheTapsOfNowAndHoldsThem) {
@@ -171,6 +226,15 @@ TEST_F(InjectErrors, AreFoundByTheChecker) {
   EXPECT_EQ(decodeErrors(0), 0U);
 }
 
+TEST_F(InjectErrors, AreNotSeenWithoutLock) {
+  ASSERT_EQ(sw.setPortSpeed(id(3), SPEED_8G), kOk);
+  ASSERT_EQ(sw.setPortSpeed(id(2), SPEED_4G), kOk);
+  ASSERT_EQ(readRx(3, 2) & 0x3U, 0x1U);
+  ASSERT_EQ(sw.setTestOption(0, 2, 0, kTestInjectErrors, 5), kOk);
+  EXPECT_EQ(decodeErrors(3), 0U);
+  EXPECT_EQ(readTx(2, 10), 5U);
+}
+
 TEST_F(InjectErrors, GoNowhereFromASilentTransmitterOrIntoALoopedFarEnd) {
   ASSERT_EQ(sw.setTestOption(0, 2, 0, kTestLoopback, 1), kOk);
   ASSERT_EQ(sw.setTestOption(0, 3, 0, kTestInjectErrors, 5), kOk);
@@ -190,6 +254,65 @@ TEST_F(Temperature, IsThatOfTheCoreOfEitherSide) {
   EXPECT_EQ(testStatus(7, kTestTemperature), 45);
   ASSERT_EQ(sw.setTestOption(0, 7, 0, kTestTemperature, 1), kOk);
   EXPECT_EQ(testStatus(7, kTestTemperature), 47);
+}
+
+class FourLinksOnTwoCores : public SwitchTest {
+ protected:
+  FourLinksOnTwoCores()
+      : SwitchTest(
+            "[[asics.cores]]\ncores = 5\ntype = 3\ntemperature = 30\n"
+            "[[asics.ports]]\nports = 6\ntx_core = 5\n") {}
+};
+
+TEST_F(FourLinksOnTwoCores, EachLinkHasASensorOfItsOwn) {
+  ASSERT_EQ(sw.setTestOption(0, 6, 2, kTestTemperature, 1), kOk);
+  for (int link = 0; link < 4; ++link)
+    EXPECT_EQ(testStatus(6, kTestTemperature, link), link == 2 ? 30 + 8 : 45) << link;
+  ASSERT_EQ(sw.setTestOption(0, 6, kAllLinks, kTestTemperature, 1), kOk);
+  for (int link = 0; link < 4; ++link)
+    EXPECT_EQ(testStatus(6, kTestTemperature, link), 30 + 8) << link;
+}
+
+TEST_F(FourLinksOnTwoCores, EachLinkThatSendsWarmsTheCoreItSendsFrom) {
+  ASSERT_EQ(sw.setTestOption(0, 6, 0, kTestTemperature, 1), kOk);
+  for (int sending = 3; sending >= 0; --sending) {
+    ASSERT_EQ(writeTx(6, 0, 0x0038, sending), kOk);  // its enable bit off
+    EXPECT_EQ(testStatus(6, kTestTemperature), 30 + 2 * sending);
+    EXPECT_EQ(testStatus(6, kTestTemperature, 1), 45);
+  }
+}
+
+TEST_F(FourLinksOnTwoCores, EachLinkHasAMarginOfItsOwn) {
+  ASSERT_EQ(sw.setTestOption(0, 6, 1, kTestMargin, 1), kOk);
+  for (int link = 0; link < 4; ++link)
+    EXPECT_EQ(static_cast<unsigned>(testStatus(6, kTestMargin, link)) == readRx(6, 8, link), link != 1) << link;
+}
+
+TEST_F(FourLinksOnTwoCores, ErrorsAreInjectedAndFoundOnTheirLinkAlone) {
+  ASSERT_EQ(sw.setTestOption(0, 6, kAllLinks, kTestSendPattern, 3), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 6, kAllLinks, kTestCheckPattern, 3), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 6, 2, kTestInjectErrors, 7), kOk);
+  for (int link = 0; link < 4; ++link) {
+    EXPECT_EQ(testStatus(6, kTestInjectErrors, link), link == 2 ? 7 : 0) << link;
+    EXPECT_EQ(testStatus(6, kTestCheckPattern, link), link == 2 ? 7 : 0) << link;
+  }
+}
+
+// What an option set again changes is what it counts or adds anew: nothing else.
+TEST_F(TestOptions, SetTwiceComeToTheSameAsSetOnce) {
+  for (const auto& [option, mode] : std::vector<std::pair<std::uint32_t, int>>{{kTestLoopback, 1},
+                                                                               {kTestSendPattern, 2},
+                                                                               {kTestHoldDfe, 1},
+                                                                               {kTestCheckPattern, 2},
+                                                                               {kTestMargin, 1},
+                                                                               {kTestReadapt, 0},
+                                                                               {kTestClearCheck, 0},
+                                                                               {kTestTemperature, 1}}) {
+    ASSERT_EQ(sw.setTestOption(0, 1, 0, option, mode), kOk) << option;
+    const std::vector<StateRecord> once = sw.exportState();
+    ASSERT_EQ(sw.setTestOption(0, 1, 0, option, mode), kOk) << option;
+    EXPECT_EQ(sw.exportState(), once) << option;
+  }
 }
 
 TEST_F(TestOptions, OthersAndOtherModesAreOutOfRange) {
