@@ -1,41 +1,24 @@
-// The parsers that all commands share.
+// The parsers of numbers and port lists.
 #include "arguments/argument_parsers.h"
-
-#include <strings.h>
 
 #include <array>
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
 
-#include "display/name_tables.h"
+#include "arguments/keywords.h"
 
 bool currentCommandSets = false;
 
 namespace {
 
-// Rates that can be typed: all of the printed names but the last.
-constexpr std::array<const char*, 7> kRateShortNames = {"AUTO", "1", "2", "4", "8", "10", "20"};
-constexpr std::array<const char*, 3> kInterfaceNames = {"asic", "system", "network"};
-constexpr std::array<const char*, 3> kInterfaceShortNames = {"a", "s", "n"};
-constexpr std::array<const char*, 2> kEnableNames = {"dis", "en"};
-constexpr std::array<const char*, 2> kFwHwNames = {"hw", "fw"};
-
 constexpr std::uint32_t kHighestRangePort = 31;
 
-bool isDecimal(const char* word) {
-  const char* digits = word + (*word == '-' ? 1 : 0);
+// True for one digit or more and nothing else.
+bool isNumber(const char* digits, int (*isDigit)(int)) {
   if (*digits == '\0') return false;
   for (; *digits != '\0'; ++digits) {
-    if (!std::isdigit(static_cast<unsigned char>(*digits))) return false;
-  }
-  return true;
-}
-
-bool isHexadecimal(const char* digits) {
-  if (*digits == '\0') return false;
-  for (; *digits != '\0'; ++digits) {
-    if (!std::isxdigit(static_cast<unsigned char>(*digits))) return false;
+    if (!isDigit(static_cast<unsigned char>(*digits))) return false;
   }
   return true;
 }
@@ -83,11 +66,11 @@ CmdStatus refuseMixedTypes(std::uint32_t gl, std::uint32_t xg, std::uint32_t exg
 CmdStatus parseNumber(const char* word, std::uint32_t& value) {
   value = 0;
   if (word[0] == '0' && (word[1] == 'x' || word[1] == 'X')) {
-    if (!isHexadecimal(word + 2)) return CMD_BAD_PARAM;
+    if (!isNumber(word + 2, std::isxdigit)) return CMD_BAD_PARAM;
     value = static_cast<std::uint32_t>(std::strtoull(word + 2, nullptr, 16));
     return CMD_OK;
   }
-  if (!isDecimal(word)) return CMD_BAD_PARAM;
+  if (!isNumber(word + (*word == '-' ? 1 : 0), std::isdigit)) return CMD_BAD_PARAM;
   (void)readDecimal(word, value);
   return CMD_OK;
 }
@@ -99,60 +82,18 @@ CmdStatus parseNumber16(const char* word, std::uint16_t& value) {
   return status;
 }
 
-CmdStatus parseNumbers(char* const* words, std::span<std::uint32_t> values) {
-  for (std::uint32_t& value : values) {
-    if (const CmdStatus status = parseNumber(*words++, value); status != CMD_OK) return status;
-  }
-  return CMD_OK;
-}
-
 CmdStatus parsePortList(int wordCount, char* const* words, std::uint32_t& portMask, std::uint32_t glPortList,
                         std::uint32_t xgPortList, std::uint32_t exgPortList) {
   portMask = 0;
   if (wordCount < 1) return CMD_TOO_FEW_ARGS;
-  if (wordCount == 1) {
-    if (strcasecmp(words[0], "all") == 0) {
-      portMask = glPortList | xgPortList | exgPortList;
-      return refuseMixedTypes(glPortList, xgPortList, exgPortList);
-    }
-    if (strcasecmp(words[0], "gl") == 0) {
-      portMask = glPortList;
-      return CMD_OK;
-    }
-    if (strcasecmp(words[0], "xg") == 0) {
-      portMask = xgPortList;
-      return CMD_OK;
-    }
-    if (strcasecmp(words[0], "exg") == 0) {
-      portMask = exgPortList;
-      return CMD_OK;
-    }
+  PortKeyword keyword{};
+  if (wordCount == 1 && parsePortKeyword(words[0], keyword) == CMD_OK) {
+    const std::array lists = {glPortList | xgPortList | exgPortList, glPortList, xgPortList, exgPortList};
+    portMask = lists[keyword];
+    return keyword == PORTS_ALL ? refuseMixedTypes(glPortList, xgPortList, exgPortList) : CMD_OK;
   }
   for (int i = 0; i < wordCount; ++i) {
     if (const CmdStatus status = addPortWord(words[i], portMask); status != CMD_OK) return status;
   }
   return refuseMixedTypes(portMask & glPortList, portMask & xgPortList, portMask & exgPortList);
-}
-
-CmdStatus parseRate(const char* word, port_speed_type& rate) {
-  return parseKeyword(word, std::span(rateNames).first(kRateShortNames.size()), kRateShortNames, rate);
-}
-
-CmdStatus parseInterface(const char* word, CacheInterface& interface) {
-  return parseKeyword(word, kInterfaceNames, kInterfaceShortNames, interface);
-}
-
-CmdStatus parseEnable(const char* word, std::uint8_t& enable) {
-  return parseKeyword(word, kEnableNames, {}, enable);
-}
-
-CmdStatus parseFwHw(const char* word, std::uint8_t& firmware) {
-  return parseKeyword(word, kFwHwNames, {}, firmware);
-}
-
-int findKeyword(const char* word, std::span<const char* const> names) {
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    if (strcasecmp(word, names[i]) == 0) return static_cast<int>(i);
-  }
-  return -1;
 }

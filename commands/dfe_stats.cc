@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <span>
 
-#include "arguments/port_lists.h"
-#include "commands/platform_walk.h"
+#include "arguments/word_reader.h"
+#include "commands/link_table.h"
 #include "display/table_header.h"
 #include "topology/serdes_topology.h"
 
@@ -24,6 +24,7 @@ struct LinkStats {
   SerDesRxDFEStats dfe;
   drv_counters_t counters;
 };
+using StatsTable = LinkTable<LinkStats, SERDES_LINK_RX>;
 
 // The tap rows of a type; none for a type whose statistics cannot be laid out.
 std::span<const char* const> tapLabels(std::uint32_t type) {
@@ -42,61 +43,49 @@ std::uint64_t counterValue(const WordPairCounter& counter) {
   return std::uint64_t{counter.high} << 32 | counter.low;
 }
 
-void printValueCells(std::uint32_t ports, const PerLink<LinkStats>& stats, std::int16_t SerDesRxDFEStats::*field) {
-  forEachLink(ports, SERDES_LINK_RX,
-              [&](std::uint32_t port, std::uint32_t link) { std::printf("%4d ", stats[port][link].dfe.*field); });
-}
-
-void printCounterCells(std::uint32_t ports, const PerLink<LinkStats>& stats, WordPairCounter drv_counters_t::*field) {
-  forEachLink(ports, SERDES_LINK_RX, [&](std::uint32_t port, std::uint32_t link) {
-    printCompactCount(counterValue(stats[port][link].counters.*field));
+void printCountRow(const char* label, const StatsTable& table, WordPairCounter drv_counters_t::*counter) {
+  std::printf("%-19s ", label);
+  forEachLink(table.ports, SERDES_LINK_RX, [&](std::uint32_t port, std::uint32_t link) {
+    printCompactCount(counterValue(table.records[port][link].counters.*counter));
   });
+  std::printf("\n");
 }
 
-// Prints the rows of a table for `ports`, all of one type.
-void printRows(std::span<const char* const> taps, std::uint32_t ports, const PerLink<LinkStats>& stats) {
-  for (std::size_t tap = 0; tap < taps.size(); ++tap) {
-    if (tap != 0) std::printf("\n");
-    std::printf("%-19s ", taps[tap]);
-    forEachLink(ports, SERDES_LINK_RX,
-                [&](std::uint32_t port, std::uint32_t link) { std::printf("%4d ", stats[port][link].dfe.h[tap]); });
-  }
-  std::printf("\n%-19s ", "Ap");
-  printValueCells(ports, stats, &SerDesRxDFEStats::Ap);
-  std::printf("\n%-19s ", "Amin");
-  printValueCells(ports, stats, &SerDesRxDFEStats::Amin);
-  std::printf("\n%-19s ", "An");
-  printValueCells(ports, stats, &SerDesRxDFEStats::An);
-  std::printf("\n%-19s ", "Decode Errors");
-  printCounterCells(ports, stats, &drv_counters_t::decodeErrors);
-  std::printf("\n%-19s ", "CRC Errors");
-  printCounterCells(ports, stats, &drv_counters_t::crcErrors);
-  std::printf("\n\n");
+// The rows of a table whose ports are all of one type.
+void printRows(const StatsTable& table, std::span<const char* const> taps) {
+  for (std::size_t tap = 0; tap < taps.size(); ++tap)
+    printRow(table, Row(taps[tap]), [&](Row& row, const LinkStats& link) { row.number(link.dfe.h[tap]); });
+  printRow(table, Row("Ap"), [](Row& row, const LinkStats& link) { row.number(link.dfe.Ap); });
+  printRow(table, Row("Amin"), [](Row& row, const LinkStats& link) { row.number(link.dfe.Amin); });
+  printRow(table, Row("An"), [](Row& row, const LinkStats& link) { row.number(link.dfe.An); });
+  printCountRow("Decode Errors", table, &drv_counters_t::decodeErrors);
+  printCountRow("CRC Errors", table, &drv_counters_t::crcErrors);
+  std::printf("\n");
+}
+
+int getStats(std::uint32_t port, std::uint32_t link, LinkStats& stats) {
+  const int result = AsicControl::GetSerDesRxDFEStats(serdesTopology.asicNum, port, static_cast<int>(link), &stats.dfe);
+  return result < 0 ? result : PortControl::GetFrameStatCntrs(portId(port), &stats.counters);
 }
 
 }  // namespace
 
 CmdStatus showDFEStatsCmdHandler(int wordCount, char* words[]) {
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parsePorts(wordCount, words, 1, portMask); status != CMD_OK) return status;
-
-  PerLink<LinkStats> stats{};
-  const CmdStatus read = onEachLink(portMask, SERDES_LINK_RX, __func__, [&](std::uint32_t port, std::uint32_t link) {
-    const int result =
-        AsicControl::GetSerDesRxDFEStats(serdesTopology.asicNum, port, static_cast<int>(link), &stats[port][link].dfe);
-    return result < 0 ? result : PortControl::GetFrameStatCntrs(portId(port), &stats[port][link].counters);
-  });
-  if (read != CMD_OK) return read;
+  WordReader in(wordCount, words);
+  const std::uint32_t ports = in.ports();
+  if (in.failed()) return in.status();
+  StatsTable table = {.ports = ports};
+  if (const CmdStatus status = readTable(table, getStats, __func__); status != CMD_OK) return status;
 
   for (std::uint32_t type = 0; type < kSerDesTypeCount; ++type) {
     const auto serDesType = static_cast<SerDesType>(type);
-    const std::uint32_t ports = portsOfType(serDesType, SERDES_LINK_RX, portMask);
-    if (ports == 0) continue;
-    printLinkTableHeader(serDesType, SERDES_LINK_RX, portMask);
+    table.ports = portsOfType(serDesType, SERDES_LINK_RX, ports);
+    if (table.ports == 0) continue;
+    printLinkTableHeader(serDesType, SERDES_LINK_RX, ports);
     // A type that cannot be laid out ends the command in silence after its header.
     const std::span<const char* const> taps = tapLabels(type);
     if (taps.empty()) return CMD_EXEC_ERROR;
-    printRows(taps, ports, stats);
+    printRows(table, taps);
   }
   return CMD_OK;
 }

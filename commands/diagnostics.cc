@@ -1,11 +1,9 @@
 // Self-tests and error counters. What the test options do is the platform's; only their numbers are checked.
 #include "commands/diagnostics.h"
 
-#include <array>
 #include <cstdio>
 
-#include "arguments/argument_parsers.h"
-#include "arguments/port_lists.h"
+#include "arguments/word_reader.h"
 #include "commands/platform_walk.h"
 #include "topology/serdes_topology.h"
 
@@ -50,31 +48,38 @@ int holdCurrentDfe(std::uint32_t port, int link) {
 
 }  // namespace
 
-CmdStatus runTestCmdHandler(int, char* words[]) {
-  std::array<std::uint32_t, 4> numbers;
-  if (const CmdStatus status = parseNumbers(words + 1, numbers); status != CMD_OK) return status;
-  const auto [port, link, option, mode] = numbers;
+CmdStatus runTestCmdHandler(int wordCount, char* words[]) {
+  WordReader in(wordCount, words);
+  const std::uint32_t port = in.number();
+  const int link = in.number<int>();
+  const std::uint32_t option = in.number();
+  const int mode = in.number<int>();
+  if (in.failed()) return in.status();
+
   int result = 0;
   if (isRunOption(option)) {
-    result = AsicControl::SetSerDesTestOption(serdesTopology.asicNum, port, static_cast<int>(link),
-                                              static_cast<SerDesTestOption>(option), static_cast<int>(mode));
+    result = AsicControl::SetSerDesTestOption(serdesTopology.asicNum, port, link, static_cast<SerDesTestOption>(option),
+                                              mode);
   } else if (option == kResetAllTests) {
     result = resetAllTests();
   } else if (option == kHoldCurrentDfe) {
-    result = holdCurrentDfe(port, static_cast<int>(link));
+    result = holdCurrentDfe(port, link);
   } else {
     return CMD_BAD_PARAM;
   }
   return result < 0 ? platformFailure(result, __func__) : CMD_OK;
 }
 
-CmdStatus getTestCmdHandler(int, char* words[]) {
-  std::array<std::uint32_t, 3> numbers;
-  if (const CmdStatus status = parseNumbers(words + 1, numbers); status != CMD_OK) return status;
-  const auto [port, link, option] = numbers;
-  if (!isStatusOption(option)) return CMD_BAD_PARAM;
+CmdStatus getTestCmdHandler(int wordCount, char* words[]) {
+  WordReader in(wordCount, words);
+  const std::uint32_t port = in.number();
+  const int link = in.number<int>();
+  const std::uint32_t option = in.number();
+  in.require(isStatusOption(option), CMD_BAD_PARAM);
+  if (in.failed()) return in.status();
+
   int testStatus = 0;
-  const int result = AsicControl::GetSerDesTestStatus(serdesTopology.asicNum, port, static_cast<int>(link),
+  const int result = AsicControl::GetSerDesTestStatus(serdesTopology.asicNum, port, link,
                                                       static_cast<SerDesTestOption>(option), &testStatus);
   if (result < 0) return platformFailure(result, __func__);
   std::printf("status: %d\n", testStatus);
@@ -82,9 +87,9 @@ CmdStatus getTestCmdHandler(int, char* words[]) {
 }
 
 CmdStatus clearErrorsCmdHandler(int wordCount, char* words[]) {
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parsePorts(wordCount, words, 1, portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const std::uint32_t ports = in.ports();
+  if (in.failed()) return in.status();
 
-  return onEachPort(portMask, __func__,
-                    [&](std::uint32_t port) { return PortControl::ClrFrameStatCntrs(portId(port)); });
+  return onEachPort(ports, __func__, [&](std::uint32_t port) { return PortControl::ClrFrameStatCntrs(portId(port)); });
 }

@@ -3,8 +3,7 @@
 
 #include <cstdio>
 
-#include "arguments/argument_parsers.h"
-#include "platform/platform.h"
+#include "arguments/word_reader.h"
 #include "topology/serdes_topology.h"
 
 namespace {
@@ -100,9 +99,11 @@ CmdStatus discoverPort(std::uint32_t port, const char* name) {
 }  // namespace
 
 CmdStatus setAsicNumCmdHandler(int, char* words[]) {
-  std::uint32_t asic = 0;
-  if (const CmdStatus status = parseNumber(words[1], asic); status != CMD_OK) return status;
-  if (asic > kHighestAsic || asic >= serdesTopology.switchHwConfig.NumASICs) return CMD_BAD_PARAM;
+  WordReader in(2, words);  // start-up counts one of its two words
+  const std::uint32_t asic = in.number();
+  in.require(asic <= kHighestAsic && asic < serdesTopology.switchHwConfig.NumASICs, CMD_BAD_PARAM);
+  if (in.failed()) return in.status();
+
   clearTopology();
   unsigned int portCount = 0, coreCount = 0;
   const int result = AsicControl::GetSerDesInfo(asic, &portCount, &coreCount);

@@ -15,7 +15,8 @@ using PerLink = std::array<std::array<Value, kMaxLinks>, kMaxPorts>;
 // Calls operation(port), which returns a platform result, for every port of the mask.
 template <typename Operation>
 CmdStatus onEachPort(std::uint32_t portMask, const char* handler, Operation operation) {
-  for (std::uint32_t port = 0; port < walkedPortCount(); ++port) {
+  const std::uint32_t portCount = walkedPortCount();
+  for (std::uint32_t port = 0; port < portCount; ++port) {
     if ((portMask >> port & 1) == 0) continue;
     const int result = operation(port);
     if (result < 0) return platformFailure(result, handler);

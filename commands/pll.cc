@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdio>
 
-#include "arguments/argument_parsers.h"
+#include "arguments/word_reader.h"
 #include "topology/serdes_topology.h"
 
 namespace {
@@ -49,10 +49,9 @@ void printTable(SerDesType type, std::uint32_t cores, const PllImage& image) {
 }  // namespace
 
 CmdStatus showPLLRegistersCmdHandler(int wordCount, char* words[]) {
-  std::uint32_t coreMask = 0;
-  const CmdStatus parsed = parsePortList(wordCount - 1, words + 1, coreMask, serdesTopology.glCoreMask,
-                                         serdesTopology.xgCoreMask, serdesTopology.exgCoreMask);
-  if (parsed != CMD_OK) return parsed;
+  WordReader in(wordCount, words);
+  const std::uint32_t coreMask = in.cores();
+  if (in.failed()) return in.status();
 
   PllImage image{};
   if (const CmdStatus status = readImage(coreMask, image, __func__); status != CMD_OK) return status;
@@ -67,24 +66,27 @@ CmdStatus showPLLRegistersCmdHandler(int wordCount, char* words[]) {
 }
 
 // The platform judges the core number, unlike in readPLL.
-CmdStatus writePLLRegisterCmdHandler(int, char* words[]) {
-  std::array<std::uint32_t, 3> numbers;
-  if (const CmdStatus status = parseNumbers(words + 1, numbers); status != CMD_OK) return status;
-  const auto [core, address, value] = numbers;
-  const int result =
-      AsicControl::WriteSerDesPLLRegister(serdesTopology.asicNum, core, static_cast<unsigned char>(address & 0xFFu),
-                                          static_cast<unsigned short>(value & 0xFFFFu));
+CmdStatus writePLLRegisterCmdHandler(int wordCount, char* words[]) {
+  WordReader in(wordCount, words);
+  const std::uint32_t core = in.number();
+  const auto address = in.number<unsigned char>();
+  const auto value = in.number<unsigned short>();
+  if (in.failed()) return in.status();
+
+  const int result = AsicControl::WriteSerDesPLLRegister(serdesTopology.asicNum, core, address, value);
   return result < 0 ? platformFailure(result, __func__) : CMD_OK;
 }
 
-CmdStatus readPLLRegisterCmdHandler(int, char* words[]) {
-  std::array<std::uint32_t, 2> numbers;
-  if (const CmdStatus status = parseNumbers(words + 1, numbers); status != CMD_OK) return status;
-  const auto [core, address] = numbers;
-  if (core >= serdesTopology.coreCount) return CMD_BAD_PARAM;
+CmdStatus readPLLRegisterCmdHandler(int wordCount, char* words[]) {
+  WordReader in(wordCount, words);
+  const std::uint32_t core = in.number();
+  const std::uint32_t address = in.number();
+  in.require(core < serdesTopology.coreCount, CMD_BAD_PARAM);
+  if (in.failed()) return in.status();
+
   unsigned short value = 0;
-  const int result = AsicControl::ReadSerDesPLLRegister(serdesTopology.asicNum, core,
-                                                        static_cast<unsigned char>(address & 0xFFu), &value, 1);
+  const int result =
+      AsicControl::ReadSerDesPLLRegister(serdesTopology.asicNum, core, static_cast<unsigned char>(address), &value, 1);
   if (result < 0) return platformFailure(result, __func__);
   std::printf("Core ID %d ", static_cast<int>(core));
   std::printf("at PLL address 0x%02x", address);

@@ -5,10 +5,11 @@
 #include <cstdio>
 #include <cstring>
 
-#include "arguments/argument_parsers.h"
-#include "arguments/port_lists.h"
+#include "arguments/keywords.h"
+#include "arguments/word_reader.h"
 #include "commands/platform_walk.h"
 #include "display/name_tables.h"
+#include "display/row.h"
 #include "display/table_header.h"
 #include "topology/serdes_topology.h"
 
@@ -27,44 +28,46 @@ int readStreamState(std::uint32_t port, std::uint8_t& enabled) {
 }  // namespace
 
 CmdStatus setRateCmdHandler(int wordCount, char* words[]) {
-  port_speed_type rate{};
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parseRate(words[1], rate); status != CMD_OK) return status;
-  if (const CmdStatus status = parsePorts(wordCount, words, 2, portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const port_speed_type rate = in.take(parseRate);
+  const std::uint32_t ports = in.ports();
+  if (in.failed()) return in.status();
 
-  return onEachPort(portMask, __func__,
+  return onEachPort(ports, __func__,
                     [&](std::uint32_t port) { return PortControl::SetPortCfgSpeed(portId(port), rate); });
 }
 
 CmdStatus setTxEnableCmdHandler(int wordCount, char* words[]) {
-  std::uint32_t enable = 0;
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parseNumber(words[1], enable); status != CMD_OK) return status;
-  if (const CmdStatus status = parsePorts(wordCount, words, 2, portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const bool enable = in.number() != 0;
+  const std::uint32_t ports = in.ports();
+  if (in.failed()) return in.status();
 
-  return onEachPort(portMask, __func__,
-                    [&](std::uint32_t port) { return PortControl::TxStreamEnable(portId(port), enable != 0); });
+  return onEachPort(ports, __func__,
+                    [&](std::uint32_t port) { return PortControl::TxStreamEnable(portId(port), enable); });
 }
 
 CmdStatus showRateCmdHandler(int wordCount, char* words[]) {
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parsePorts(wordCount, words, 1, portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const std::uint32_t ports = in.ports();
+  if (in.failed()) return in.status();
 
   std::array<unsigned int, kMaxPorts> configured{};
   std::array<std::uint8_t, kMaxPorts> streamEnabled{};
-  const CmdStatus read = onEachPort(portMask, __func__, [&](std::uint32_t port) {
+  const CmdStatus read = onEachPort(ports, __func__, [&](std::uint32_t port) {
     const int result = PortControl::GetPortCfgSpeed(portId(port), &configured[port]);
     return result < 0 ? result : readStreamState(port, streamEnabled[port]);
   });
   if (read != CMD_OK) return read;
 
-  printPortTableHeader("show rate", portMask);
-  std::printf("\n%-18s ", "config rate (gb/s)");
-  forEachLink(portMask, SERDES_LINK_TX,
-              [&](std::uint32_t port, std::uint32_t) { std::printf("%5s", rateName(configured[port])); });
-  std::printf("\n%-18s ", "stream enable");
-  forEachLink(portMask, SERDES_LINK_TX,
-              [&](std::uint32_t port, std::uint32_t) { std::printf("%5s", streamEnabled[port] != 0 ? "yes" : "no"); });
+  printPortTableHeader("show rate", ports);
+  Row rates("config rate (gb/s)", 18), streams("stream enable", 18);
+  forEachLink(ports, SERDES_LINK_TX, [&](std::uint32_t port, std::uint32_t) {
+    rates.right(rateName(configured[port]), 5);
+    streams.right(streamEnabled[port] != 0 ? "yes" : "no", 5);
+  });
   std::printf("\n");
+  rates.write();
+  streams.write();
   return CMD_OK;
 }

@@ -4,26 +4,16 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <cstring>
 
-#include "arguments/argument_parsers.h"
-#include "arguments/port_lists.h"
+#include "arguments/word_reader.h"
 #include "commands/platform_walk.h"
+#include "display/row.h"
 #include "display/table_header.h"
 #include "topology/serdes_topology.h"
 
 namespace {
 
 using RegisterRow = std::array<unsigned short, kMaxRegisters>;
-
-// The two hexadecimal digits of every byte.
-constexpr auto kHexBytes = [] {
-  constexpr char kDigits[] = "0123456789abcdef";
-  std::array<std::array<char, 2>, 256> bytes{};
-  for (std::size_t i = 0; i < bytes.size(); ++i)
-    bytes[i] = {kDigits[i / 16], kDigits[i % 16]};
-  return bytes;
-}();
 
 const char* sideName(SerDesLinkType side) {
   return side == SERDES_LINK_RX ? "Rx" : "Tx";
@@ -33,30 +23,35 @@ std::uint32_t registerCount(const CoreConfig& core, SerDesLinkType side) {
   return side == SERDES_LINK_RX ? core.rxRegisterCount : core.txRegisterCount;
 }
 
-CmdStatus readRegister(SerDesLinkType side, char* words[], const char* handler) {
-  std::array<std::uint32_t, 3> numbers;
-  if (const CmdStatus status = parseNumbers(words + 1, numbers); status != CMD_OK) return status;
-  const auto [port, link, address] = numbers;
+CmdStatus readRegister(SerDesLinkType side, int wordCount, char* words[], const char* handler) {
+  WordReader in(wordCount, words);
+  const std::uint32_t port = in.number();
+  const int link = in.number<int>();
+  const std::uint32_t address = in.number();
+  if (in.failed()) return in.status();
+
   unsigned short value = 0;
-  const int result = AsicControl::ReadSerDesLinkRegister(serdesTopology.asicNum, port, static_cast<int>(link), side,
-                                                         static_cast<unsigned char>(address & 0xFFu), &value, 1);
+  const int result = AsicControl::ReadSerDesLinkRegister(serdesTopology.asicNum, port, link, side,
+                                                         static_cast<unsigned char>(address), &value, 1);
   if (result < 0) return platformFailure(result, handler);
   std::printf("Port %d ", static_cast<int>(port));
   std::printf("(user port %d), ", userPort(port));
-  std::printf("link %d ", static_cast<int>(link));
+  std::printf("link %d ", link);
   std::printf("at %s address 0x%02x", sideName(side), address);
   std::printf("= 0x%04x ", value);
   std::printf("\n");
   return CMD_OK;
 }
 
-CmdStatus writeRegister(SerDesLinkType side, char* words[], const char* handler) {
-  std::array<std::uint32_t, 4> numbers;
-  if (const CmdStatus status = parseNumbers(words + 1, numbers); status != CMD_OK) return status;
-  const auto [port, link, address, value] = numbers;
-  const int result = AsicControl::WriteSerDesLinkRegister(serdesTopology.asicNum, port, static_cast<int>(link), side,
-                                                          static_cast<unsigned char>(address & 0xFFu),
-                                                          static_cast<unsigned short>(value & 0xFFFFu));
+CmdStatus writeRegister(SerDesLinkType side, int wordCount, char* words[], const char* handler) {
+  WordReader in(wordCount, words);
+  const std::uint32_t port = in.number();
+  const int link = in.number<int>();
+  const auto address = in.number<unsigned char>();
+  const auto value = in.number<unsigned short>();
+  if (in.failed()) return in.status();
+
+  const int result = AsicControl::WriteSerDesLinkRegister(serdesTopology.asicNum, port, link, side, address, value);
   return result < 0 ? platformFailure(result, handler) : CMD_OK;
 }
 
@@ -81,64 +76,59 @@ std::uint32_t tableRowCount(SerDesType type, SerDesLinkType side) {
   return 0;
 }
 
-// "%04x " for every link's register, put together by hand: a dump has thousands of these cells.
-void printRegisterCells(SerDesLinkType side, std::uint32_t ports, const PerLink<RegisterRow>& image,
-                        std::uint32_t address) {
-  std::array<char, kMaxPorts * kMaxLinks * 5> cells;
-  char* cell = cells.data();
-  forEachLink(ports, side, [&](std::uint32_t port, std::uint32_t link) {
-    const unsigned value = image[port][link][address];
-    std::memcpy(cell, kHexBytes[value >> 8].data(), 2);
-    std::memcpy(cell + 2, kHexBytes[value & 0xFF].data(), 2);
-    cell[4] = ' ';
-    cell += 5;
-  });
-  (void)std::fwrite(cells.data(), 1, static_cast<std::size_t>(cell - cells.data()), stdout);
+void printRegisterRow(SerDesLinkType side, std::uint32_t ports, const PerLink<RegisterRow>& image,
+                      std::uint32_t address) {
+  Row row;
+  row.text(sideName(side));
+  row.text(" Register 0x");
+  row.hexByte(static_cast<std::uint8_t>(address));
+  row.text("    ");
+  forEachLink(ports, side, [&](std::uint32_t port, std::uint32_t link) { row.hexWord(image[port][link][address]); });
+  row.write();
 }
 
 void printTable(SerDesType type, SerDesLinkType side, std::uint32_t portMask, const PerLink<RegisterRow>& image) {
-  const std::uint32_t columnPorts = portsOfType(type, side, portMask);
+  const std::uint32_t ports = portsOfType(type, side, portMask);
   const std::uint32_t rowCount = tableRowCount(type, side);
   printLinkTableHeader(type, side, portMask);
   for (std::uint32_t address = 0; address < rowCount; ++address) {
     if (address != 0 && address % 4 == 0) printLinkSeparatorRow(type, side, portMask);
-    std::printf("%s Register 0x%02x    ", sideName(side), address);
-    printRegisterCells(side, columnPorts, image, address);
-    std::printf("\n");
+    printRegisterRow(side, ports, image, address);
   }
   std::printf("\n");
 }
 
 CmdStatus showRegisters(SerDesLinkType side, int wordCount, char* words[], const char* handler) {
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parsePorts(wordCount, words, 1, portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const std::uint32_t ports = in.ports();
+  if (in.failed()) return in.status();
 
   PerLink<RegisterRow> image{};
-  if (const CmdStatus status = readImage(side, portMask, image, handler); status != CMD_OK) return status;
+  if (const CmdStatus status = readImage(side, ports, image, handler); status != CMD_OK) return status;
 
   for (std::uint32_t type = 0; type < kSerDesTypeCount; ++type) {
     const auto serDesType = static_cast<SerDesType>(type);
-    if (portsOfType(serDesType, side, portMask) != 0) printTable(serDesType, side, portMask, image);
+    if (portsOfType(serDesType, side, ports) != 0) printTable(serDesType, side, ports, image);
   }
   return CMD_OK;
 }
 
 }  // namespace
 
-CmdStatus readRxRegisterCmdHandler(int, char* words[]) {
-  return readRegister(SERDES_LINK_RX, words, __func__);
+CmdStatus readRxRegisterCmdHandler(int wordCount, char* words[]) {
+  return readRegister(SERDES_LINK_RX, wordCount, words, __func__);
 }
 
-CmdStatus readTxRegisterCmdHandler(int, char* words[]) {
-  return readRegister(SERDES_LINK_TX, words, __func__);
+CmdStatus readTxRegisterCmdHandler(int wordCount, char* words[]) {
+  return readRegister(SERDES_LINK_TX, wordCount, words, __func__);
 }
 
-CmdStatus writeRxRegisterCmdHandler(int, char* words[]) {
-  return writeRegister(SERDES_LINK_RX, words, __func__);
+CmdStatus writeRxRegisterCmdHandler(int wordCount, char* words[]) {
+  return writeRegister(SERDES_LINK_RX, wordCount, words, __func__);
 }
 
-CmdStatus writeTxRegisterCmdHandler(int, char* words[]) {
-  return writeRegister(SERDES_LINK_TX, words, __func__);
+CmdStatus writeTxRegisterCmdHandler(int wordCount, char* words[]) {
+  return writeRegister(SERDES_LINK_TX, wordCount, words, __func__);
 }
 
 CmdStatus showRxRegistersCmdHandler(int wordCount, char* words[]) {

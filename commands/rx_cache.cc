@@ -2,141 +2,114 @@
 // Cached numbers are kept whole, unlike live settings.
 #include "commands/rx_cache.h"
 
-#include <array>
-#include <cstdio>
-#include <optional>
-
-#include "arguments/argument_parsers.h"
+#include "arguments/keywords.h"
 #include "arguments/port_lists.h"
-#include "commands/rate_cache.h"
+#include "arguments/word_reader.h"
 #include "commands/rx_eq.h"
-#include "topology/serdes_topology.h"
+#include "display/table_header.h"
+
+namespace {
+
+// Writes the record to every port of the mask.
+CmdStatus writeCaches(std::uint32_t ports, port_speed_type rate, const SerDesRxRateParams& params,
+                      const char* handler) {
+  return onEachPort(ports, handler, [&](std::uint32_t port) {
+    return AsicControl::SetSerDesRxRateParams(serdesTopology.asicNum, port, rate, params);
+  });
+}
+
+// Reads the record of every port of the table, whatever its link count, into all of its columns.
+CmdStatus readCaches(RxTable& table, port_speed_type rate, const char* handler) {
+  return onEachPort(table.ports, handler, [&](std::uint32_t port) {
+    SerDesRxRateParams params{};
+    const int result = AsicControl::GetSerDesRxRateParams(serdesTopology.asicNum, port, rate, &params);
+    table.records[port].fill(params);
+    return result;
+  });
+}
+
+}  // namespace
 
 CmdStatus showRxParamsCacheCmdHandler(int wordCount, char* words[]) {
-  port_speed_type rate{};
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parseRate(words[1], rate); status != CMD_OK) return status;
-  if (const CmdStatus status = parsePorts(wordCount, words, 2, portMask); status != CMD_OK) return status;
-  if (const CmdStatus status = requireFibreChannel(portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const port_speed_type rate = in.take(parseRate);
+  RxTable table = {.ports = in.ports(requireFibreChannel)};
+  if (in.failed()) return in.status();
+  if (const CmdStatus status = readCaches(table, rate, __func__); status != CMD_OK) return status;
 
-  PortRecords<SerDesRxRateParams> records{};
-  if (const CmdStatus status = readCaches(portMask, rate, records, __func__); status != CMD_OK) return status;
-
-  std::array<char, kTitleSize> title;
-  std::snprintf(title.data(), title.size(), "show rx cache for %s", words[1]);
-  printPortTableHeader(title.data(), portMask);
-  const auto valuesOf = [&](std::uint32_t port, std::uint32_t) { return std::optional(records[port]); };
-  printDfeModeRow(portMask, valuesOf);
-  std::printf("\n");
-  printVgaRows(portMask, valuesOf);
-  std::printf("\n");
+  printTitledHeader(table.ports, "show rx cache for %s", words[1]);
+  printDfeModeRow(table);
+  printVgaRows(table);
   return CMD_OK;
 }
 
 CmdStatus setRxParamsCacheCmdHandler(int wordCount, char* words[]) {
-  port_speed_type rate{};
-  SerDesRxDFEMode mode{};
-  std::array<std::uint32_t, 3> numbers{};  // p0, p1, p2
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parseRate(words[1], rate); status != CMD_OK) return status;
-  if (const CmdStatus status = parseDfeMode(words[2], mode); status != CMD_OK) return status;
-  if (const CmdStatus status = parseNumbers(words + 3, numbers); status != CMD_OK) return status;
-  if (const CmdStatus status = parsePorts(wordCount, words, 6, portMask); status != CMD_OK) return status;
-  if (const CmdStatus status = requireFibreChannel(portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const port_speed_type rate = in.take(parseRate);
+  SerDesRxRateParams params{};
+  params.mode = static_cast<std::int32_t>(in.take(parseDfeMode));
+  for (std::int32_t* number : {&params.p0, &params.p1, &params.p2})
+    *number = in.number<std::int32_t>();
+  const std::uint32_t ports = in.ports(requireFibreChannel);
+  if (in.failed()) return in.status();
 
-  const SerDesRxRateParams params = {.mode = static_cast<std::int32_t>(mode),
-                                     .p0 = static_cast<std::int32_t>(numbers[0]),
-                                     .p1 = static_cast<std::int32_t>(numbers[1]),
-                                     .p2 = static_cast<std::int32_t>(numbers[2]),
-                                     .p3 = 0};
-  return writeCaches(portMask, rate, params, __func__);
+  return writeCaches(ports, rate, params, __func__);
 }
 
 CmdStatus showRxParamsRawCmdHandler(int wordCount, char* words[]) {
-  CacheInterface interface {};
-  port_speed_type rate{};
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parseInterface(words[1], interface); status != CMD_OK) return status;
-  if (const CmdStatus status = parseRate(words[2], rate); status != CMD_OK) return status;
-  if (const CmdStatus status = parsePorts(wordCount, words, 3, portMask); status != CMD_OK) return status;
-
-  PortRecords<SerDesRxRateParams> records{};
+  WordReader in(wordCount, words);
+  const CacheInterface interface = in.take(parseInterface);
+  const port_speed_type rate = in.take(parseRate);
+  RxTable table = {.ports = in.ports()};
+  if (in.failed()) return in.status();
   if (interface == INTERFACE_ASIC) {
-    if (const CmdStatus status = readCaches(portMask, rate, records, __func__); status != CMD_OK) return status;
+    if (const CmdStatus status = readCaches(table, rate, __func__); status != CMD_OK) return status;
   }
 
-  std::array<char, kTitleSize> title;
-  std::snprintf(title.data(), title.size(), "show rx cache for %s interface and rate %s", words[1], words[2]);
-  printPortTableHeader(title.data(), portMask);
-  std::printf("%-19s ", "Mode");
-  printCacheCells(portMask, SERDES_LINK_RX, records, &SerDesRxRateParams::mode);
-  std::printf("\n%-19s ", "P0");
-  printCacheCells(portMask, SERDES_LINK_RX, records, &SerDesRxRateParams::p0);
-  std::printf("\n%-19s ", "P1");
-  printCacheCells(portMask, SERDES_LINK_RX, records, &SerDesRxRateParams::p1);
-  std::printf("\n%-19s ", "P2");
-  printCacheCells(portMask, SERDES_LINK_RX, records, &SerDesRxRateParams::p2);
-  std::printf("\n%-19s ", "P3");
-  printCacheCells(portMask, SERDES_LINK_RX, records, &SerDesRxRateParams::p3);
-  std::printf("\n");
+  printTitledHeader(table.ports, "show rx cache for %s interface and rate %s", words[1], words[2]);
+  printRow(table, "Mode", &SerDesRxRateParams::mode);
+  printRow(table, "P0", &SerDesRxRateParams::p0);
+  printRow(table, "P1", &SerDesRxRateParams::p1);
+  printRow(table, "P2", &SerDesRxRateParams::p2);
+  printRow(table, "P3", &SerDesRxRateParams::p3);
   return CMD_OK;
 }
 
 CmdStatus setRxParamsRawCmdHandler(int wordCount, char* words[]) {
-  CacheInterface interface {};
-  port_speed_type rate{};
-  std::array<std::uint32_t, 5> numbers{};  // mode, p0, p1, p2, p3
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parseInterface(words[1], interface); status != CMD_OK) return status;
-  if (const CmdStatus status = parseRate(words[2], rate); status != CMD_OK) return status;
-  if (const CmdStatus status = parseNumbers(words + 3, numbers); status != CMD_OK) return status;
-  if (const CmdStatus status = parsePorts(wordCount, words, 8, portMask); status != CMD_OK) return status;
-  if (const CmdStatus status = requireOnePortType(portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const CacheInterface interface = in.take(parseInterface);
+  const port_speed_type rate = in.take(parseRate);
+  SerDesRxRateParams params{};
+  for (std::int32_t* number : {&params.mode, &params.p0, &params.p1, &params.p2, &params.p3})
+    *number = in.number<std::int32_t>();
+  const std::uint32_t ports = in.ports(requireOnePortType);
+  if (in.failed()) return in.status();
 
   // The other interfaces have no cache behind them: naming them is allowed and changes nothing.
-  if (interface != INTERFACE_ASIC) return CMD_OK;
-  const SerDesRxRateParams params = {.mode = static_cast<std::int32_t>(numbers[0]),
-                                     .p0 = static_cast<std::int32_t>(numbers[1]),
-                                     .p1 = static_cast<std::int32_t>(numbers[2]),
-                                     .p2 = static_cast<std::int32_t>(numbers[3]),
-                                     .p3 = static_cast<std::int32_t>(numbers[4])};
-  return writeCaches(portMask, rate, params, __func__);
+  return interface == INTERFACE_ASIC ? writeCaches(ports, rate, params, __func__) : CMD_OK;
 }
 
 CmdStatus eshowRxParamsCacheCmdHandler(int wordCount, char* words[]) {
-  port_speed_type rate{};
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parseRate(words[1], rate); status != CMD_OK) return status;
-  if (const CmdStatus status = parsePorts(wordCount, words, 2, portMask); status != CMD_OK) return status;
-  if (const CmdStatus status = requireEthernet(portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const port_speed_type rate = in.take(parseRate);
+  RxTable table = {.ports = in.ports(requireEthernet)};
+  if (in.failed()) return in.status();
+  if (const CmdStatus status = readCaches(table, rate, __func__); status != CMD_OK) return status;
 
-  PortRecords<SerDesRxRateParams> records{};
-  if (const CmdStatus status = readCaches(portMask, rate, records, __func__); status != CMD_OK) return status;
-
-  std::array<char, kTitleSize> title;
-  std::snprintf(title.data(), title.size(), "show rx cache for %s", words[1]);
-  printPortTableHeader(title.data(), portMask);
-  std::printf("%-19s ", "cdr mode");
-  printCacheCells(portMask, SERDES_LINK_RX, records, &SerDesRxRateParams::mode);
-  std::printf("\n%-19s ", "eq mode");
-  printCacheCells(portMask, SERDES_LINK_RX, records, &SerDesRxRateParams::p0);
-  std::printf("\n");
+  printTitledHeader(table.ports, "show rx cache for %s", words[1]);
+  printRow(table, "cdr mode", &SerDesRxRateParams::mode);
+  printRow(table, "eq mode", &SerDesRxRateParams::p0);
   return CMD_OK;
 }
 
 CmdStatus esetRxParamsCacheCmdHandler(int wordCount, char* words[]) {
-  port_speed_type rate{};
-  std::array<std::uint32_t, 2> numbers{};  // CDR mode, equaliser mode
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parseRate(words[1], rate); status != CMD_OK) return status;
-  if (const CmdStatus status = parseNumbers(words + 2, numbers); status != CMD_OK) return status;
-  if (const CmdStatus status = parsePorts(wordCount, words, 4, portMask); status != CMD_OK) return status;
-  if (const CmdStatus status = requireEthernet(portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const port_speed_type rate = in.take(parseRate);
+  SerDesRxRateParams params{};
+  params.mode = in.number<std::int32_t>();  // CDR mode
+  params.p0 = in.number<std::int32_t>();    // equaliser mode
+  const std::uint32_t ports = in.ports(requireEthernet);
+  if (in.failed()) return in.status();
 
-  const SerDesRxRateParams params = {.mode = static_cast<std::int32_t>(numbers[0]),
-                                     .p0 = static_cast<std::int32_t>(numbers[1]),
-                                     .p1 = 0,
-                                     .p2 = 0,
-                                     .p3 = 0};
-  return writeCaches(portMask, rate, params, __func__);
+  return writeCaches(ports, rate, params, __func__);
 }

@@ -2,151 +2,119 @@
 // Cached numbers are kept whole, unlike live settings.
 #include "commands/tx_cache.h"
 
-#include <array>
 #include <cstdio>
-#include <optional>
 
-#include "arguments/argument_parsers.h"
+#include "arguments/keywords.h"
 #include "arguments/port_lists.h"
-#include "commands/rate_cache.h"
 #include "commands/tx_eq.h"
-#include "topology/serdes_topology.h"
+#include "display/table_header.h"
+
+namespace {
+
+// Writes the record to every port of the mask.
+CmdStatus writeCaches(std::uint32_t ports, port_speed_type rate, const SerDesTxRateParams& params,
+                      const char* handler) {
+  return onEachPort(ports, handler, [&](std::uint32_t port) {
+    return AsicControl::SetSerDesTxRateParams(serdesTopology.asicNum, port, rate, params);
+  });
+}
+
+// Reads the record of every port of the table, whatever its link count, into all of its columns.
+CmdStatus readCaches(TxTable& table, port_speed_type rate, const char* handler) {
+  return onEachPort(table.ports, handler, [&](std::uint32_t port) {
+    SerDesTxRateParams params{};
+    const int result = AsicControl::GetSerDesTxRateParams(serdesTopology.asicNum, port, rate, &params);
+    table.records[port].fill(params);
+    return result;
+  });
+}
+
+}  // namespace
 
 CmdStatus showTxParamsCacheCmdHandler(int wordCount, char* words[]) {
-  port_speed_type rate{};
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parseRate(words[1], rate); status != CMD_OK) return status;
-  if (const CmdStatus status = parsePorts(wordCount, words, 2, portMask); status != CMD_OK) return status;
-  if (const CmdStatus status = requireFibreChannel(portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const port_speed_type rate = in.take(parseRate);
+  TxTable table = {.ports = in.ports(requireFibreChannel)};
+  if (in.failed()) return in.status();
+  if (const CmdStatus status = readCaches(table, rate, __func__); status != CMD_OK) return status;
 
-  PortRecords<SerDesTxRateParams> records{};
-  if (const CmdStatus status = readCaches(portMask, rate, records, __func__); status != CMD_OK) return status;
-
-  std::array<char, kTitleSize> title;
-  std::snprintf(title.data(), title.size(), "show tx cache for %s", words[1]);
-  printPortTableHeader(title.data(), portMask);
-  const auto valuesOf = [&](std::uint32_t port, std::uint32_t) { return std::optional(records[port]); };
-  printFFERows(portMask, valuesOf);
-  printSlewRow(portMask, valuesOf);
-  std::printf("\n");
+  printTitledHeader(table.ports, "show tx cache for %s", words[1]);
+  printFFERows(table);
+  printSlewRow(table);
   return CMD_OK;
 }
 
 CmdStatus setTxParamsCacheCmdHandler(int wordCount, char* words[]) {
-  port_speed_type rate{};
-  FFEArguments ffe{};
-  SerDesTxSlewRate slew{};
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parseRate(words[1], rate); status != CMD_OK) return status;
-  if (const CmdStatus status = parseFFEArguments(words + 2, ffe); status != CMD_OK) return status;
-  if (const CmdStatus status = parseSlewRate(words[8], slew); status != CMD_OK) return status;
-  if (const CmdStatus status = parsePorts(wordCount, words, 9, portMask); status != CMD_OK) return status;
-  if (const CmdStatus status = requireFibreChannel(portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const port_speed_type rate = in.take(parseRate);
+  SerDesTxRateParams params = takeFFE(in);
+  params.slew = static_cast<std::int32_t>(in.take(parseSlewRate));
+  const std::uint32_t ports = in.ports(requireFibreChannel);
+  if (in.failed()) return in.status();
 
-  const SerDesTxRateParams params = {.power = static_cast<std::int32_t>(ffe.numbers[0]),
-                                     .slew = static_cast<std::int32_t>(slew),
-                                     .mode = static_cast<std::int32_t>(ffe.mode),
-                                     .p0 = static_cast<std::int32_t>(ffe.numbers[1]),
-                                     .p1 = static_cast<std::int32_t>(ffe.numbers[2]),
-                                     .p2 = static_cast<std::int32_t>(ffe.numbers[3]),
-                                     .p3 = static_cast<std::int32_t>(ffe.numbers[4])};
-  return writeCaches(portMask, rate, params, __func__);
+  return writeCaches(ports, rate, params, __func__);
 }
 
 CmdStatus showTxParamsRawCmdHandler(int wordCount, char* words[]) {
-  CacheInterface interface {};
-  port_speed_type rate{};
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parseInterface(words[1], interface); status != CMD_OK) return status;
-  if (const CmdStatus status = parseRate(words[2], rate); status != CMD_OK) return status;
-  if (const CmdStatus status = parsePorts(wordCount, words, 3, portMask); status != CMD_OK) return status;
-
-  PortRecords<SerDesTxRateParams> records{};
+  WordReader in(wordCount, words);
+  const CacheInterface interface = in.take(parseInterface);
+  const port_speed_type rate = in.take(parseRate);
+  TxTable table = {.ports = in.ports()};
+  if (in.failed()) return in.status();
   if (interface == INTERFACE_ASIC) {
-    if (const CmdStatus status = readCaches(portMask, rate, records, __func__); status != CMD_OK) return status;
+    if (const CmdStatus status = readCaches(table, rate, __func__); status != CMD_OK) return status;
   }
 
-  std::array<char, kTitleSize> title;
-  std::snprintf(title.data(), title.size(), "show tx cache for %s interface at rate %s", words[1], words[2]);
-  printPortTableHeader(title.data(), portMask);
-  std::printf("\n%-19s ", "Power");
-  printCacheCells(portMask, SERDES_LINK_TX, records, &SerDesTxRateParams::power);
-  std::printf("\n%-19s ", "Slew");
-  printCacheCells(portMask, SERDES_LINK_TX, records, &SerDesTxRateParams::slew);
-  std::printf("\n%-19s ", "Mode");
-  printCacheCells(portMask, SERDES_LINK_TX, records, &SerDesTxRateParams::mode);
-  std::printf("\n%-19s ", "P0");
-  printCacheCells(portMask, SERDES_LINK_TX, records, &SerDesTxRateParams::p0);
-  std::printf("\n%-19s ", "P1");
-  printCacheCells(portMask, SERDES_LINK_TX, records, &SerDesTxRateParams::p1);
-  std::printf("\n%-19s ", "P2");
-  printCacheCells(portMask, SERDES_LINK_TX, records, &SerDesTxRateParams::p2);
-  std::printf("\n%-19s ", "P3");
-  printCacheCells(portMask, SERDES_LINK_TX, records, &SerDesTxRateParams::p3);
+  printTitledHeader(table.ports, "show tx cache for %s interface at rate %s", words[1], words[2]);
   std::printf("\n");
+  printRow(table, "Power", &SerDesTxRateParams::power);
+  printRow(table, "Slew", &SerDesTxRateParams::slew);
+  printRow(table, "Mode", &SerDesTxRateParams::mode);
+  printRow(table, "P0", &SerDesTxRateParams::p0);
+  printRow(table, "P1", &SerDesTxRateParams::p1);
+  printRow(table, "P2", &SerDesTxRateParams::p2);
+  printRow(table, "P3", &SerDesTxRateParams::p3);
   return CMD_OK;
 }
 
-// The numbers go in record order, power first; the help text names them otherwise.
 CmdStatus setTxParamsRawCmdHandler(int wordCount, char* words[]) {
-  CacheInterface interface {};
-  port_speed_type rate{};
-  std::array<std::uint32_t, 7> numbers{};
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parseInterface(words[1], interface); status != CMD_OK) return status;
-  if (const CmdStatus status = parseRate(words[2], rate); status != CMD_OK) return status;
-  if (const CmdStatus status = parseNumbers(words + 3, numbers); status != CMD_OK) return status;
-  if (const CmdStatus status = parsePorts(wordCount, words, 10, portMask); status != CMD_OK) return status;
-  if (const CmdStatus status = requireOnePortType(portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const CacheInterface interface = in.take(parseInterface);
+  const port_speed_type rate = in.take(parseRate);
+  // The numbers go in record order, power first; the help text names them otherwise.
+  SerDesTxRateParams params{};
+  for (std::int32_t* number :
+       {&params.power, &params.slew, &params.mode, &params.p0, &params.p1, &params.p2, &params.p3})
+    *number = in.number<std::int32_t>();
+  const std::uint32_t ports = in.ports(requireOnePortType);
+  if (in.failed()) return in.status();
 
   // The other interfaces have no cache behind them: naming them is allowed and changes nothing.
-  if (interface != INTERFACE_ASIC) return CMD_OK;
-  const SerDesTxRateParams params = {.power = static_cast<std::int32_t>(numbers[0]),
-                                     .slew = static_cast<std::int32_t>(numbers[1]),
-                                     .mode = static_cast<std::int32_t>(numbers[2]),
-                                     .p0 = static_cast<std::int32_t>(numbers[3]),
-                                     .p1 = static_cast<std::int32_t>(numbers[4]),
-                                     .p2 = static_cast<std::int32_t>(numbers[5]),
-                                     .p3 = static_cast<std::int32_t>(numbers[6])};
-  return writeCaches(portMask, rate, params, __func__);
+  return interface == INTERFACE_ASIC ? writeCaches(ports, rate, params, __func__) : CMD_OK;
 }
 
 CmdStatus eshowTxParamsCacheCmdHandler(int wordCount, char* words[]) {
-  port_speed_type rate{};
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parseRate(words[1], rate); status != CMD_OK) return status;
-  if (const CmdStatus status = parsePorts(wordCount, words, 2, portMask); status != CMD_OK) return status;
-  if (const CmdStatus status = requireEthernet(portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const port_speed_type rate = in.take(parseRate);
+  TxTable table = {.ports = in.ports(requireEthernet)};
+  if (in.failed()) return in.status();
+  if (const CmdStatus status = readCaches(table, rate, __func__); status != CMD_OK) return status;
 
-  PortRecords<SerDesTxRateParams> records{};
-  if (const CmdStatus status = readCaches(portMask, rate, records, __func__); status != CMD_OK) return status;
-
-  std::array<char, kTitleSize> title;
-  std::snprintf(title.data(), title.size(), "show tx cache for %s", words[1]);
-  printPortTableHeader(title.data(), portMask);
-  std::printf("\n%-19s ", "k (power)");
-  printCacheCells(portMask, SERDES_LINK_TX, records, &SerDesTxRateParams::power);
-  std::printf("\n%-19s ", "p0 (pre-emphasis)");
-  printCacheCells(portMask, SERDES_LINK_TX, records, &SerDesTxRateParams::p0);
+  printTitledHeader(table.ports, "show tx cache for %s", words[1]);
   std::printf("\n");
+  printRow(table, "k (power)", &SerDesTxRateParams::power);
+  printRow(table, "p0 (pre-emphasis)", &SerDesTxRateParams::p0);
   return CMD_OK;
 }
 
 CmdStatus esetTxParamsCacheCmdHandler(int wordCount, char* words[]) {
-  port_speed_type rate{};
-  std::array<std::uint32_t, 2> numbers{};  // power, pre-emphasis
-  std::uint32_t portMask = 0;
-  if (const CmdStatus status = parseRate(words[1], rate); status != CMD_OK) return status;
-  if (const CmdStatus status = parseNumbers(words + 2, numbers); status != CMD_OK) return status;
-  if (const CmdStatus status = parsePorts(wordCount, words, 4, portMask); status != CMD_OK) return status;
-  if (const CmdStatus status = requireEthernet(portMask); status != CMD_OK) return status;
+  WordReader in(wordCount, words);
+  const port_speed_type rate = in.take(parseRate);
+  SerDesTxRateParams params = {.power = 0, .slew = SLEW_UNKNOWN, .mode = FFE_NONE, .p0 = 0, .p1 = 0, .p2 = 0, .p3 = 0};
+  params.power = in.number<std::int32_t>();
+  params.p0 = in.number<std::int32_t>();  // pre-emphasis
+  const std::uint32_t ports = in.ports(requireEthernet);
+  if (in.failed()) return in.status();
 
-  const SerDesTxRateParams params = {.power = static_cast<std::int32_t>(numbers[0]),
-                                     .slew = SLEW_UNKNOWN,
-                                     .mode = FFE_NONE,
-                                     .p0 = static_cast<std::int32_t>(numbers[1]),
-                                     .p1 = 0,
-                                     .p2 = 0,
-                                     .p3 = 0};
-  return writeCaches(portMask, rate, params, __func__);
+  return writeCaches(ports, rate, params, __func__);
 }

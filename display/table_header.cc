@@ -1,11 +1,11 @@
 // Table heads: who a column is (port, user port, link), and how it runs at this moment (rate, media).
 #include "display/table_header.h"
 
+#include <cstdarg>
 #include <cstdio>
-#include <cstring>
-#include <string_view>
 
 #include "display/name_tables.h"
+#include "display/row.h"
 
 std::array<std::uint8_t, kMaxPorts> portRunning{};
 
@@ -36,78 +36,57 @@ void gatherPortStatus(std::uint32_t portMask, PortStatus& status) {
   });
 }
 
-// Every port's link numbers are the first cells of this text.
-constexpr std::string_view kLinkNumbers = "   0    1    2    3 ";
-constexpr std::size_t kLinkNumberLength = 5;
-static_assert(kLinkNumbers.size() == kMaxLinks * kLinkNumberLength);
-
-// Room for any cell of a header.
-using Cell = std::array<char, 8>;
-
-// Prints the same cell for every link, in one go: a stream call costs more than a cell.
-void printEqualCells(std::uint32_t ports, SerDesLinkType side, const char* cell) {
-  std::array<char, kMaxPorts * kMaxLinks * sizeof(Cell)> cells;
-  const std::size_t cellLength = std::strlen(cell);
-  std::size_t length = 0;
-  forEachLink(ports, side, [&](std::uint32_t, std::uint32_t) {
-    std::memcpy(&cells[length], cell, cellLength);
-    length += cellLength;
-  });
-  (void)std::fwrite(cells.data(), 1, length, stdout);
+// Prints a label and cells that are drawn with one character.
+void printRule(std::string_view label, std::uint32_t ports, SerDesLinkType side) {
+  const char dash = label[0];
+  const std::array cell = {dash, dash, dash, dash, ' '};
+  Row row(label);
+  forEachLink(ports, side, [&](std::uint32_t, std::uint32_t) { row.text({cell.data(), cell.size()}); });
+  row.write();
 }
 
-// Prints cells that are alike for all links of a port: format(cell, port) puts them together once per port.
-template <typename Format>
-void printPortCells(std::uint32_t ports, Format format) {
-  forEachBit(ports, walkedPortCount(), [&](std::uint32_t port) {
-    Cell cell;
-    format(cell, port);
-    printEqualCells(std::uint32_t{1} << port, SERDES_LINK_TX, cell.data());
-  });
-}
-
-// Prints the header rows; `columnPorts` are the ports of the mask that have columns.
-void printHeader(const char* title, std::uint32_t columnPorts, const PortStatus& status) {
-  std::printf("\n%-19s ", title);
-  std::printf("\n%-19s ", "===================");
-  printEqualCells(columnPorts, SERDES_LINK_TX, "==== ");
-  std::printf("\n%-19s ", "ASIC port");
-  printPortCells(columnPorts, [](Cell& cell, std::uint32_t port) {
-    std::snprintf(cell.data(), cell.size(), "%4d ", static_cast<int>(port));
-  });
-  std::printf("\n%-19s ", "user port");
-  printPortCells(columnPorts, [](Cell& cell, std::uint32_t port) {
+// Prints the header rows; `ports` are the ports of the mask that have columns.
+void printHeader(const char* title, std::uint32_t ports, const PortStatus& status) {
+  Row asicPorts("ASIC port"), userPorts("user port"), links("link num");
+  Row rates("running rate", 18), media("media type", 18);
+  forEachLink(ports, SERDES_LINK_TX, [&](std::uint32_t port, std::uint32_t link) {
+    asicPorts.number(static_cast<std::int32_t>(port));
     const std::uint16_t user = portId(port).userPort;
-    if (user == kNoUserPort) {
-      std::snprintf(cell.data(), cell.size(), "%4s ", "N/A");
-    } else {
-      std::snprintf(cell.data(), cell.size(), "%4d ", user);
-    }
+    user == kNoUserPort ? userPorts.text(" N/A ") : userPorts.number(user);
+    links.number(static_cast<std::int32_t>(link));
+    rates.right(rateName(status.runningRate[port]), 5);
+    media.right(mediaName(status.mediaType[port]), 5);
   });
-  std::printf("\n%-19s ", "link num");
-  forEachBit(columnPorts, walkedPortCount(), [](std::uint32_t port) {
-    const std::uint32_t linkCount = walkedLinkCount(portSide(port, SERDES_LINK_TX));
-    (void)std::fwrite(kLinkNumbers.data(), kLinkNumberLength, linkCount, stdout);
-  });
-  std::printf("\n%-18s ", "running rate");
-  printPortCells(columnPorts, [&](Cell& cell, std::uint32_t port) {
-    std::snprintf(cell.data(), cell.size(), "%5s", rateName(status.runningRate[port]));
-  });
-  std::printf("\n%-18s ", "media type");
-  printPortCells(columnPorts, [&](Cell& cell, std::uint32_t port) {
-    std::snprintf(cell.data(), cell.size(), "%5s", mediaName(status.mediaType[port]));
-  });
-  std::printf("\n%-19s ", "===================");
-  printEqualCells(columnPorts, SERDES_LINK_TX, "==== ");
   std::printf("\n");
+  Row(title).write();
+  printRule("===================", ports, SERDES_LINK_TX);
+  for (Row* row : {&asicPorts, &userPorts, &links, &rates, &media})
+    row->write();
+  printRule("===================", ports, SERDES_LINK_TX);
 }
 
 }  // namespace
+
+std::uint32_t runningPorts() {
+  std::uint32_t ports = 0;
+  for (std::uint32_t port = 0; port < kMaxPorts; ++port)
+    ports |= std::uint32_t{portRunning[port]} << port;
+  return ports;
+}
 
 void printPortTableHeader(const char* title, std::uint32_t portMask) {
   PortStatus status{};
   gatherPortStatus(portMask, status);
   printHeader(title, portMask, status);
+}
+
+void printTitledHeader(std::uint32_t portMask, const char* format, ...) {
+  std::array<char, 192> title;
+  std::va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(title.data(), title.size(), format, arguments);
+  va_end(arguments);
+  printPortTableHeader(title.data(), portMask);
 }
 
 void printLinkTableHeader(SerDesType type, SerDesLinkType side, std::uint32_t portMask) {
@@ -117,7 +96,5 @@ void printLinkTableHeader(SerDesType type, SerDesLinkType side, std::uint32_t po
 }
 
 void printLinkSeparatorRow(SerDesType type, SerDesLinkType side, std::uint32_t portMask) {
-  std::printf("%-19s ", "-------------------");
-  printEqualCells(portsOfType(type, side, portMask), side, "---- ");
-  std::printf("\n");
+  printRule("-------------------", portsOfType(type, side, portMask), side);
 }

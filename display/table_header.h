@@ -1,7 +1,6 @@
 // The head that every per-link table shares, and the separator row of register dumps.
 //
-// A table has a 20-character label column and one 5-character column per link, ports and links in ascending order.
-// Rows of names in "%5s" cells take an 18-character label and a blank, so that they end in the same character column.
+// A table has one column per link, ports and links in ascending order.
 #pragma once
 
 #include <array>
@@ -13,11 +12,14 @@
 // 1 when the last header that listed the port found it running or set to a fixed rate.
 extern std::array<std::uint8_t, kMaxPorts> portRunning;
 
-// Room for a title that holds words as typed: no word is longer than a command line.
-inline constexpr std::size_t kTitleSize = 192;
+// The ports whose flag is set.
+std::uint32_t runningPorts();
 
 // Columns for every link of every port in the mask, counted by the transmit links.
 void printPortTableHeader(const char* title, std::uint32_t portMask);
+
+// The same, its title put together from words as typed: no word is longer than a command line.
+void printTitledHeader(std::uint32_t portMask, const char* format, ...) __attribute__((format(printf, 2, 3)));
 
 // Columns for the ports of the mask whose side is of the type, entitled by the type's name. Columns are counted by the
 // transmit links also when they head a receive table.

@@ -182,7 +182,10 @@ struct alignas(8) drv_counters_t {
 static_assert(sizeof(drv_counters_t) == 856);
 static_assert(offsetof(drv_counters_t, decodeErrors) == 88 && offsetof(drv_counters_t, crcErrors) == 112);
 
-// Operations on the switch ASIC. Link -1 addresses all links of a port where a set allows it.
+// The link number that addresses all links of a port, where an operation allows it.
+inline constexpr int kAllLinks = -1;
+
+// Operations on the switch ASIC.
 class AsicControl {
  public:
   [[nodiscard]] static int AsicCtlOpen();

@@ -1,13 +1,11 @@
 // The command reader and the dispatcher.
 #include "shell/command_reader.h"
 
-#include <strings.h>
-
 #include <array>
-#include <cctype>
 #include <cstring>
 
 #include "arguments/argument_parsers.h"
+#include "arguments/keywords.h"
 #include "shell/command_table.h"
 #include "shell/output.h"
 
@@ -20,19 +18,19 @@ namespace {
 constexpr int kLineBufferSize = 128;
 constexpr std::size_t kMaxLineLength = 126;  // newline included
 
+// As isspace(), which is a call.
 bool isBlank(char c) {
-  return std::isspace(static_cast<unsigned char>(c)) != 0;
+  return c == ' ' || ('\t' <= c && c <= '\r');
 }
 
 // Cuts `line` into words in place and returns their number. Counting stops one past the limit.
 int splitWords(char* line, std::array<char*, kMaxWords + 1>& words) {
   if (char* comment = std::strchr(line, '#')) *comment = '\0';
   int count = 0;
-  for (char* at = line; *at != '\0' && count <= kMaxWords;) {
-    if (isBlank(*at)) {
+  for (char* at = line; count <= kMaxWords;) {
+    while (isBlank(*at))
       *at++ = '\0';
-      continue;
-    }
+    if (*at == '\0') break;
     words[static_cast<std::size_t>(count++)] = at;
     while (*at != '\0' && !isBlank(*at))
       ++at;
@@ -50,11 +48,11 @@ CmdStatus runLine(char* line) {
 }
 
 bool matches(const CmdTableEntry& row, const char* word) {
-  return strcasecmp(word, row.name) == 0 || strcasecmp(word, row.shortcut) == 0;
+  return sameWord(word, row.name) || sameWord(word, row.shortcut);
 }
 
 bool asksForHelp(int wordCount, char* words[]) {
-  return wordCount >= 2 && (std::strcmp(words[1], "?") == 0 || strcasecmp(words[1], "help") == 0);
+  return wordCount >= 2 && (std::strcmp(words[1], "?") == 0 || sameWord(words[1], "help"));
 }
 
 }  // namespace
@@ -73,18 +71,20 @@ int runCommandStream(std::FILE* input, std::FILE* output) {
     } else {
       status = runLine(line.data());
     }
-    std::fprintf(output, "%s\n\n", statusMessage(status));
+    std::fputs(statusMessage(status), output);
+    std::fputs("\n\n", output);
     reportLostOutput(output);
   }
   return 0;
 }
 
 CmdStatus dispatchCommand(int wordCount, char* words[]) {
-  currentCommandIndex = 0;
-  while (cmdTable[currentCommandIndex].name != nullptr && !matches(cmdTable[currentCommandIndex], words[0])) {
-    ++currentCommandIndex;
-  }
-  const CmdTableEntry& row = cmdTable[currentCommandIndex];
+  const CmdTableEntry* const begin = cmdTable.data();
+  const CmdTableEntry* found = begin;
+  while (found->name != nullptr && !matches(*found, words[0]))
+    ++found;
+  currentCommandIndex = static_cast<std::uint32_t>(found - begin);
+  const CmdTableEntry& row = *found;
   currentCommandSets = row.isSetCmd != 0;
   if (row.name == nullptr) return CMD_UNKNOWN;
   if (asksForHelp(wordCount, words)) {

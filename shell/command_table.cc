@@ -1,8 +1,9 @@
 // Every command: names, bounds, help texts and handler. Texts are shown exactly as they stand, misspellings included.
 #include "shell/command_table.h"
 
-#include <string_view>
+#include <array>
 
+#include "arguments/keywords.h"
 #include "commands/dfe_stats.h"
 #include "commands/diagnostics.h"
 #include "commands/discovery.h"
@@ -20,7 +21,7 @@
 
 namespace {
 
-constexpr std::array<CmdTableEntry, kCommandCount + 1> kTable = {{
+constexpr auto kTable = std::to_array<CmdTableEntry>({
     {
         .name = "setAsicNum",
         .shortcut = "san",
@@ -577,31 +578,8 @@ constexpr std::array<CmdTableEntry, kCommandCount + 1> kTable = {{
         .exampleNote = "",
         .handler = exitCmdHandler,
     },
-    {
-        .name = nullptr,
-        .shortcut = nullptr,
-        .minArgs = 0,
-        .maxArgs = 0,
-        .isSetCmd = 0,
-        .argHelp = nullptr,
-        .description = nullptr,
-        .example = nullptr,
-        .exampleNote = nullptr,
-        .handler = nullptr,
-    },
-}};
-
-consteval char lowerCase(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-consteval bool sameWord(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (lowerCase(a[i]) != lowerCase(b[i])) return false;
-  }
-  return true;
-}
+    {},
+});
 
 // That every row has a handler is left to the tests: with sanitizers a function's address is no constant.
 consteval bool rowIsComplete(const CmdTableEntry& row) {
@@ -616,17 +594,17 @@ consteval bool rowsShareAWord(const CmdTableEntry& a, const CmdTableEntry& b) {
 }
 
 consteval bool tableIsSound() {
-  for (std::size_t i = 0; i < kCommandCount; ++i) {
+  for (std::size_t i = 0; i < kTable.size() - 1; ++i) {
     if (!rowIsComplete(kTable[i]) || sameWord(kTable[i].name, kTable[i].shortcut)) return false;
     for (std::size_t j = 0; j < i; ++j) {
       if (rowsShareAWord(kTable[i], kTable[j])) return false;
     }
   }
-  const CmdTableEntry& end = kTable[kCommandCount];
-  return end.name == nullptr && end.isSetCmd == 0;
+  return kTable.back().name == nullptr && kTable.back().isSetCmd == 0;
 }
 static_assert(tableIsSound(), "rows complete, bounds in order, command words unique");
 
 }  // namespace
 
-constexpr std::array<CmdTableEntry, kCommandCount + 1> cmdTable = kTable;
+constinit const std::span<const CmdTableEntry> cmdTable = kTable;
+constinit const std::size_t kCommandCount = kTable.size() - 1;

@@ -1,9 +1,9 @@
 // The table of all commands.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "arguments/cmd_status.h"
 
@@ -23,7 +23,8 @@ struct CmdTableEntry {
   CmdHandler handler;
 };
 
-inline constexpr std::size_t kCommandCount = 46;
-
 // All commands in the order of the command list, ended by a row whose fields are all empty.
-extern const std::array<CmdTableEntry, kCommandCount + 1> cmdTable;
+extern const std::span<const CmdTableEntry> cmdTable;
+
+// The number of rows without the last one.
+extern const std::size_t kCommandCount;

@@ -1,27 +1,10 @@
 // Questions to the topology that several commands ask.
 #include "topology/serdes_topology.h"
 
-#include <algorithm>
+#include <array>
 #include <cstring>
 
 SerdesTopology serdesTopology{};
-
-std::uint32_t walkedPortCount() {
-  return std::min(serdesTopology.portCount, kMaxPorts);
-}
-
-std::uint32_t walkedCoreCount() {
-  return std::min(serdesTopology.coreCount, kMaxCores);
-}
-
-std::uint32_t walkedLinkCount(const PortSide& side) {
-  return std::min(side.linkCount, kMaxLinks);
-}
-
-const PortSide& portSide(std::uint32_t port, SerDesLinkType side) {
-  const PortConfig& config = serdesTopology.portConfig[port];
-  return side == SERDES_LINK_RX ? config.rx : config.tx;
-}
 
 port_id_t portId(std::uint32_t port) {
   return serdesTopology.portHwConfig[port].portId;

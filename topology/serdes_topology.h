@@ -1,6 +1,7 @@
 // The model of the current ASIC that every command addresses: ports, links, cores and port types.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -61,12 +62,21 @@ struct SerdesTopology {
 extern SerdesTopology serdesTopology;
 
 // How many ports and cores of the current ASIC, and links of a side, there are to walk.
-std::uint32_t walkedPortCount();
-std::uint32_t walkedCoreCount();
-std::uint32_t walkedLinkCount(const PortSide& side);
+inline std::uint32_t walkedPortCount() {
+  return std::min(serdesTopology.portCount, kMaxPorts);
+}
+inline std::uint32_t walkedCoreCount() {
+  return std::min(serdesTopology.coreCount, kMaxCores);
+}
+inline std::uint32_t walkedLinkCount(const PortSide& side) {
+  return std::min(side.linkCount, kMaxLinks);
+}
 
 // One side of a port below kMaxPorts.
-const PortSide& portSide(std::uint32_t port, SerDesLinkType side);
+inline const PortSide& portSide(std::uint32_t port, SerDesLinkType side) {
+  const PortConfig& config = serdesTopology.portConfig[port];
+  return side == SERDES_LINK_RX ? config.rx : config.tx;
+}
 
 // The identifier of a port below kMaxPorts, as the platform reported it.
 port_id_t portId(std::uint32_t port);

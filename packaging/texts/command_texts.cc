@@ -17,6 +17,7 @@
 #include "arguments/cmd_status.h"
 #include "commands/rx_eq.h"
 #include "commands/tx_eq.h"
+#include "arguments/keywords.h"
 #include "display/name_tables.h"
 #include "shell/command_reader.h"
 #include "shell/command_table.h"
@@ -37,9 +38,9 @@ std::span<const CmdTableEntry> commands() {
 template <typename Value, typename Names, typename Parse>
 Strings accepted(const Names& names, Parse parse) {
   Strings result;
-  for (const char* name : names) {
+  for (const ValueName& row : names) {
     Value value{};
-    if (parse(name, value) == CMD_OK) result.emplace_back(name);
+    if (parse(row.name, value) == CMD_OK) result.emplace_back(row.name);
   }
   return result;
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "arguments/keywords.h"
 #include "tests/support/tool_test.h"
 
 namespace recording {
@@ -134,20 +135,6 @@ TEST(ParseNumber16, KeepsTheLow16Bits) {
 TEST(ParseNumber16, RefusalStoresZero) {
   EXPECT_EQ(number16("12a"), kRefused);
   EXPECT_EQ(number16(""), kRefused);
-}
-
-TEST(ParseNumbers, TakesOneWordForEachValue) {
-  std::vector<std::string> words = {"1", "-1", "0x10", "not looked at"};
-  std::array<std::uint32_t, 3> values = {9, 9, 9};
-  EXPECT_EQ(parseNumbers(pointersTo(words).data(), values), CMD_OK);
-  EXPECT_EQ(values, (std::array<std::uint32_t, 3>{1, 0xFFFFFFFF, 16}));
-}
-
-TEST(ParseNumbers, StopsAtTheFirstFailure) {
-  std::vector<std::string> words = {"1", "x", "3"};
-  std::array<std::uint32_t, 3> values = {9, 9, 9};
-  EXPECT_EQ(parseNumbers(pointersTo(words).data(), values), CMD_BAD_PARAM);
-  EXPECT_EQ(values, (std::array<std::uint32_t, 3>{1, 0, 9}));
 }
 
 // Ports 0 to 5 GL, 6 and 7 XG, 8 to 11 EXG, unless a test changes the lists.
@@ -444,13 +431,6 @@ TEST(ParseFwHw, BothInAnyCase) {
 TEST(ParseFwHw, RefusalStoresNothing) {
   EXPECT_EQ(fwHw("f"), (Parsed{CMD_BAD_PARAM, 0xEF}));
   EXPECT_EQ(fwHw(""), (Parsed{CMD_BAD_PARAM, 0xEF}));
-}
-
-TEST(FindKeyword, GivesTheFirstMatchOrNone) {
-  constexpr std::array<const char*, 3> kNames = {"one", "two", "TWO"};
-  EXPECT_EQ(findKeyword("Two", kNames), 1);
-  EXPECT_EQ(findKeyword("three", kNames), -1);
-  EXPECT_EQ(findKeyword("one", {}), -1);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "arguments/keywords.h"
 #include "tests/support/default_switch.h"
 #include "tests/support/expected.h"
 #include "tests/support/handlers.h"

@@ -1,6 +1,7 @@
 // Live transmit equalisation.
 #include <string>
 
+#include "arguments/keywords.h"
 #include "commands/tx_eq.h"
 #include "tests/support/expected.h"
 

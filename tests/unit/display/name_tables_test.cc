@@ -41,7 +41,7 @@ TEST(MediaNames, ValueOutsideTheTableIsUnknown) {
 }
 
 TEST(NameAt, GivesTheOtherNameFromTheEndOfTheTableOn) {
-  constexpr std::array<const char*, 2> kNames = {"a", "b"};
+  constexpr std::array<ValueName, 2> kNames = {{{"a"}, {"b"}}};
   EXPECT_STREQ(nameAt(kNames, 1, "none"), "b");
   EXPECT_STREQ(nameAt(kNames, 2, "none"), "none");
   EXPECT_STREQ(nameAt({}, 0, "none"), "none");
