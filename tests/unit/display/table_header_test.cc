@@ -68,6 +68,38 @@ TEST_F(TableHeader, ShowsPortsUserPortsLinksRatesAndMedia) {
                                                    headerQuestions({"104/0/4"}) + idleHeaderQuestions("65535/0/5")));
 }
 
+// What other tests expect of heads is built from the ports as they are.
+TEST_F(TableHeader, HeadsThatTestsBuildAreTheLiteralOnes) {
+  platform.ports[5].tx.linkCount = 0;
+  platform.ports[6].tx.linkCount = 9;
+  platform.ports[10].hwConfig.portId.userPort = 12345;
+  makeIdle(platform.ports[10]);
+  EXPECT_EQ(tableHead("show rate", {3, 5, 6, 10}),
+            "\n"
+            "show rate           \n"
+            "=================== ==== ==== ==== ==== ==== ==== \n"
+            "ASIC port              3    6    6    6    6   10 \n"
+            "user port            N/A  106  106  106  106 12345 \n"
+            "link num               0    0    1    2    3    0 \n"
+            "running rate          8G   8G   8G   8G   8G  INV\n"
+            "media type           OPT  OPT  OPT  OPT  OPT  OPT\n"
+            "=================== ==== ==== ==== ==== ==== ==== \n");
+  EXPECT_EQ(headQuestions({3, 10}),
+            (Calls{"GetPortInfo(65535/0/3, 0)", "GetPortCfgSpeed(65535/0/3)", "GetPortSpeed(65535/0/3)",
+                   "GetMediaHwFcXmtrType(65535/0/3)", "GetPortInfo(12345/0/10, 0)", "GetPortCfgSpeed(12345/0/10)",
+                   "GetMediaHwFcXmtrType(12345/0/10)"}));
+  EXPECT_EQ(tableHead("a title beyond its cell", {}),
+            "\n"
+            "a title beyond its cell \n"
+            "=================== \n"
+            "ASIC port           \n"
+            "user port           \n"
+            "link num            \n"
+            "running rate       \n"
+            "media type         \n"
+            "=================== \n");
+}
+
 TEST_F(TableHeader, EmptyMaskPrintsLabelsWithoutCellsAndAsksNothing) {
   EXPECT_EQ(portHeader("show rate", 0), printed("\n"
                                                 "show rate           \n"
