@@ -133,24 +133,5 @@ TEST_F(StartUp, EachCallFailsAndTheSessionStillRuns) {
   }
 }
 
-class Close : public ToolTest {};
-
-TEST_F(Close, EachCallFailsAndBothAreMade) {
-  for (unsigned call = 1; call <= 2; ++call) {
-    for (const int code : {-1, INT_MIN, 5}) {
-      SetUp();
-      platform.failCall(call, code);
-      EXPECT_EQ(closeSerdes(), code);
-      EXPECT_EQ(platform.calls, (Calls{"AsicCtlClose()", "PortCtlClose()"}));
-    }
-  }
-}
-
-TEST_F(Close, TheFirstFailureWins) {
-  platform.fail("AsicCtlClose", -3);
-  platform.fail("PortCtlClose", -4);
-  EXPECT_EQ(closeSerdes(), -3);
-}
-
 }  // namespace
 }  // namespace recording
