@@ -3,6 +3,7 @@
 
 #include "tests/support/expected.h"
 #include "tests/support/handlers.h"
+#include "topology/serdes_topology.h"
 
 namespace recording {
 namespace {
@@ -155,10 +156,10 @@ TEST_F(SetDFEState, PortMustBeBelowThePortCountAndInTheModel) {
               {0xFFFFFFFF, "0", false},  {40, "23", true},  {40, "24", false},          {40, "39", false}};
   for (const auto& row : rows) {
     ToolTest::SetUp();
-    for (Port& port : platform.ports)
-      port.rx.type = 2;
     platform.portCount = row.portCount;
     discover();
+    for (PortConfig& port : serdesTopology.portConfig)
+      port.rx.serDesType = 2;  // also beyond the port count
     const Outcome taken =
         done({std::string("SetSerDesRxDFEState(0, ") + row.port + ", 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0)"});
     EXPECT_EQ(run(std::string("setDFEState ") + row.port + " 0 DFE3 0 0 0 0 0 0 0 0 0 0"),
