@@ -18,9 +18,6 @@ enum SerDesLinkType : std::uint32_t {
   SERDES_LINK_TX = 1,
 };
 
-// In place of a link's number, in sets only: all links of the port.
-inline constexpr int kAllLinks = -1;
-
 enum SerDesTxFFEMode : std::uint32_t {
   FFE_NONE = 0,
   FFE_2 = 1,

@@ -10,6 +10,7 @@
 #include "commands/discovery.h"
 #include "display/table_header.h"
 #include "shell/command_reader.h"
+#include "tests/support/fake_waiting.h"
 #include "topology/serdes_topology.h"
 
 namespace recording {
@@ -68,6 +69,7 @@ void ToolTest::SetUp() {
   currentCommandIndex = 0;
   currentCommandSets = false;
   interactive = false;
+  resetWaiting();
 }
 
 void ToolTest::discover() {

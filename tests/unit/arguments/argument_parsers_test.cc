@@ -44,79 +44,41 @@ Parsed number(const char* word) {
   return parsed;
 }
 
-TEST(ParseNumber, Decimal) {
-  EXPECT_EQ(number("0"), accepted(0));
-  EXPECT_EQ(number("7"), accepted(7));
-  EXPECT_EQ(number("007"), accepted(7));
-  EXPECT_EQ(number("2147483647"), accepted(2147483647));
+struct NumberRow {
+  const char* word;
+  std::uint32_t value;
+};
+
+// Beyond 32 bits the low ones are kept, beyond 64 the value stops at the limit.
+TEST(ParseNumber, TakesDecimalAndPrefixedHexadecimal) {
+  for (const auto& [word, value] : {NumberRow{"0", 0},
+                                    NumberRow{"7", 7},
+                                    NumberRow{"007", 7},
+                                    NumberRow{"010", 10},
+                                    NumberRow{"2147483647", 2147483647},
+                                    NumberRow{"-5", 0xFFFFFFFB},
+                                    NumberRow{"-0", 0},
+                                    NumberRow{"-2147483648", 0x80000000},
+                                    NumberRow{"0x1F", 31},
+                                    NumberRow{"0x1f", 31},
+                                    NumberRow{"0X4e", 0x4E},
+                                    NumberRow{"0x0", 0},
+                                    NumberRow{"0x00000000000000000012", 0x12},
+                                    NumberRow{"0xffffffff", 0xFFFFFFFF},
+                                    NumberRow{"4294967295", 0xFFFFFFFF},
+                                    NumberRow{"4294967297", 1},
+                                    NumberRow{"-4294967297", 0xFFFFFFFF},
+                                    NumberRow{"0x123456789", 0x23456789},
+                                    NumberRow{"99999999999999999999", 0xFFFFFFFF},
+                                    NumberRow{"-99999999999999999999", 0},
+                                    NumberRow{"0x10000000000000000", 0xFFFFFFFF}})
+    EXPECT_EQ(number(word), accepted(value)) << word;
 }
 
-TEST(ParseNumber, NegativeDecimal) {
-  EXPECT_EQ(number("-5"), accepted(0xFFFFFFFB));
-  EXPECT_EQ(number("-0"), accepted(0));
-  EXPECT_EQ(number("-2147483648"), accepted(0x80000000));
-}
-
-TEST(ParseNumber, HexadecimalInEitherCase) {
-  EXPECT_EQ(number("0x1F"), accepted(31));
-  EXPECT_EQ(number("0x1f"), accepted(31));
-  EXPECT_EQ(number("0X4e"), accepted(0x4E));
-  EXPECT_EQ(number("0x0"), accepted(0));
-  EXPECT_EQ(number("0x00000000000000000012"), accepted(0x12));
-  EXPECT_EQ(number("0xffffffff"), accepted(0xFFFFFFFF));
-}
-
-TEST(ParseNumber, OnlyItsPrefixMakesANumberHexadecimal) {
-  EXPECT_EQ(number("10"), accepted(10));
-  EXPECT_EQ(number("010"), accepted(10));
-  EXPECT_EQ(number("1f"), kRefused);
-  EXPECT_EQ(number("00x1"), kRefused);
-}
-
-TEST(ParseNumber, NumberBeyond32BitsGivesItsLow32Bits) {
-  EXPECT_EQ(number("4294967295"), accepted(0xFFFFFFFF));
-  EXPECT_EQ(number("4294967297"), accepted(1));
-  EXPECT_EQ(number("-4294967297"), accepted(0xFFFFFFFF));
-  EXPECT_EQ(number("0x123456789"), accepted(0x23456789));
-}
-
-TEST(ParseNumber, NumberBeyond64BitsSaturates) {
-  EXPECT_EQ(number("99999999999999999999"), accepted(0xFFFFFFFF));
-  EXPECT_EQ(number("-99999999999999999999"), accepted(0));
-  EXPECT_EQ(number("0x10000000000000000"), accepted(0xFFFFFFFF));
-}
-
-TEST(ParseNumber, PrefixWithoutDigitsIsRefused) {
-  EXPECT_EQ(number("0x"), kRefused);
-  EXPECT_EQ(number("0X"), kRefused);
-}
-
-TEST(ParseNumber, CharacterThatIsNoDigitIsRefused) {
-  EXPECT_EQ(number("0xg"), kRefused);
-  EXPECT_EQ(number("0x1g"), kRefused);
-  EXPECT_EQ(number("0x1 "), kRefused);
-  EXPECT_EQ(number("0x-1"), kRefused);
-  EXPECT_EQ(number("0x0x1"), kRefused);
-  EXPECT_EQ(number("12a"), kRefused);
-  EXPECT_EQ(number("a12"), kRefused);
-  EXPECT_EQ(number("1.5"), kRefused);
-  EXPECT_EQ(number("+5"), kRefused);
-  EXPECT_EQ(number(" 5"), kRefused);
-  EXPECT_EQ(number("-0x5"), kRefused);
-  EXPECT_EQ(number("x5"), kRefused);
-  EXPECT_EQ(number("\xE9"), kRefused);
-  EXPECT_EQ(number("0x\xE9"), kRefused);
-}
-
-TEST(ParseNumber, MinusIsAllowedOnlyAtTheStart) {
-  EXPECT_EQ(number("-"), kRefused);
-  EXPECT_EQ(number("--5"), kRefused);
-  EXPECT_EQ(number("5-"), kRefused);
-  EXPECT_EQ(number("1-2"), kRefused);
-}
-
-TEST(ParseNumber, EmptyWordIsRefused) {
-  EXPECT_EQ(number(""), kRefused);
+TEST(ParseNumber, RefusesOtherWordsAndStoresZero) {
+  for (const char* word : {"",    "0x", "0X", "0xg",  "0x1g", "0x1 ", "0x-1",   "0x0x1", "00x1", "1f", "12a", "a12",
+                           "1.5", "+5", " 5", "-0x5", "x5",   "\xE9", "0x\xE9", "-",     "--5",  "5-", "1-2"})
+    EXPECT_EQ(number(word), kRefused) << word;
 }
 
 Parsed number16(const char* word) {
@@ -169,20 +131,15 @@ TEST_F(ParsePortList, NoWordsAreTooFew) {
 }
 
 TEST_F(ParsePortList, KeywordsInAnyCase) {
-  EXPECT_EQ(shown({"all"}), accepted(0xFFF));
-  EXPECT_EQ(shown({"ALL"}), accepted(0xFFF));
-  EXPECT_EQ(shown({"gl"}), accepted(0x03F));
-  EXPECT_EQ(shown({"Gl"}), accepted(0x03F));
-  EXPECT_EQ(shown({"xg"}), accepted(0x0C0));
-  EXPECT_EQ(shown({"xG"}), accepted(0x0C0));
-  EXPECT_EQ(shown({"exg"}), accepted(0xF00));
-  EXPECT_EQ(shown({"EXG"}), accepted(0xF00));
-}
-
-TEST_F(ParsePortList, TypeKeywordsSuitSetCommands) {
-  EXPECT_EQ(set({"gl"}), accepted(0x03F));
-  EXPECT_EQ(set({"xg"}), accepted(0x0C0));
-  EXPECT_EQ(set({"exg"}), accepted(0xF00));
+  for (const char* word : {"all", "ALL"})
+    EXPECT_EQ(shown({word}), accepted(0xFFF)) << word;
+  for (const bool sets : {false, true}) {
+    currentCommandSets = sets;
+    EXPECT_EQ(parse({"gl"}), accepted(0x03F));
+    EXPECT_EQ(parse({"Gl"}), accepted(0x03F));
+    EXPECT_EQ(parse({"xG"}), accepted(0x0C0));
+    EXPECT_EQ(parse({"EXG"}), accepted(0xF00));
+  }
 }
 
 TEST_F(ParsePortList, TypeKeywordIsNotCheckedAgainstTheOtherLists) {
@@ -190,17 +147,10 @@ TEST_F(ParsePortList, TypeKeywordIsNotCheckedAgainstTheOtherLists) {
   EXPECT_EQ(set({"gl"}), accepted(0x03F));
 }
 
-TEST_F(ParsePortList, KeywordIsOnlyKnownAsTheSoleWord) {
-  EXPECT_EQ(shown({"gl", "3"}).status, CMD_BAD_PARAM);
-  EXPECT_EQ(shown({"3", "gl"}).status, CMD_BAD_PARAM);
-  EXPECT_EQ(shown({"gl", "xg"}).status, CMD_BAD_PARAM);
-  EXPECT_EQ(shown({"all", "all"}).status, CMD_BAD_PARAM);
-}
-
-TEST_F(ParsePortList, WordThatOnlyBeginsAsAKeywordIsRefused) {
-  EXPECT_EQ(shown({"gls"}), kRefused);
-  EXPECT_EQ(shown({"al"}), kRefused);
-  EXPECT_EQ(shown({"eexg"}), kRefused);
+TEST_F(ParsePortList, KeywordIsOnlyKnownWholeAndAsTheSoleWord) {
+  for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+           {"gl", "3"}, {"3", "gl"}, {"gl", "xg"}, {"all", "all"}, {"gls"}, {"al"}, {"eexg"}})
+    EXPECT_EQ(shown(words).status, CMD_BAD_PARAM) << words[0];
 }
 
 TEST_F(ParsePortList, AllIsMixedForASetCommandOnASwitchOfTwoTypes) {
@@ -252,43 +202,17 @@ TEST_F(ParsePortList, ReversedRangeSelectsNothing) {
   EXPECT_EQ(shown({"5-2", "9"}), accepted(0x200));
 }
 
-TEST_F(ParsePortList, RangeBeyond31IsRefused) {
-  EXPECT_EQ(shown({"0-32"}), kRefused);
-  EXPECT_EQ(shown({"32-33"}), kRefused);
-  EXPECT_EQ(shown({"32-5"}), kRefused);
-  EXPECT_EQ(shown({"64-65"}), kRefused);
+TEST_F(ParsePortList, RangeIsTwoDecimalNumbersUpTo31) {
+  for (const char* word : {"0-32", "32-33", "32-5", "64-65", "0-99999999999999999999", "-1", "-1-3", "1--3", "-5--3",
+                           "-", "1-", "a-3", "1-a", "1x-3", "0x1-3", "gl-3"})
+    EXPECT_EQ(shown({word}), kRefused) << word;
 }
 
-TEST_F(ParsePortList, NegativeNumberIsAMalformedRange) {
-  EXPECT_EQ(shown({"-1"}), kRefused);
-  EXPECT_EQ(shown({"-1-3"}), kRefused);
-  EXPECT_EQ(shown({"1--3"}), kRefused);
-  EXPECT_EQ(shown({"-5--3"}), kRefused);
-}
-
-TEST_F(ParsePortList, RangeNeedsTwoDecimalNumbers) {
-  EXPECT_EQ(shown({"-"}), kRefused);
-  EXPECT_EQ(shown({"1-"}), kRefused);
-  EXPECT_EQ(shown({"a-3"}), kRefused);
-  EXPECT_EQ(shown({"1-a"}), kRefused);
-  EXPECT_EQ(shown({"1x-3"}), kRefused);
-  EXPECT_EQ(shown({"0x1-3"}), kRefused);
-  EXPECT_EQ(shown({"gl-3"}), kRefused);
-}
-
-TEST_F(ParsePortList, WhatFollowsARangeIsNotLookedAt) {
-  EXPECT_EQ(shown({"3-5x"}), accepted(0x38));
-  EXPECT_EQ(shown({"3-5-40"}), accepted(0x38));
+// Ends beyond 32 bits give their low 32 bits.
+TEST_F(ParsePortList, RangeEndsMayBearAPlusAndWhatFollowsARangeIsNotLookedAt) {
+  for (const char* word : {"3-5x", "3-5-40", "+3-+5", "4294967299-4294967301"})
+    EXPECT_EQ(shown({word}), accepted(0x38)) << word;
   EXPECT_EQ(shown({"1-0x5"}), accepted(0));
-}
-
-TEST_F(ParsePortList, RangeEndsMayBearAPlus) {
-  EXPECT_EQ(shown({"+3-+5"}), accepted(0x38));
-}
-
-TEST_F(ParsePortList, RangeEndsBeyond32BitsGiveTheirLow32Bits) {
-  EXPECT_EQ(shown({"4294967299-4294967301"}), accepted(0x38));
-  EXPECT_EQ(shown({"0-99999999999999999999"}), kRefused);
 }
 
 TEST_F(ParsePortList, FirstFailingWordEndsTheParse) {
@@ -304,20 +228,15 @@ TEST_F(ParsePortList, MixedNumbersSuitAShowCommand) {
 }
 
 TEST_F(ParsePortList, MixedNumbersAreRefusedForASetCommand) {
-  EXPECT_EQ(set({"5", "6"}).status, CMD_MIXED_PORT_TYPES);
-  EXPECT_EQ(set({"5-6"}).status, CMD_MIXED_PORT_TYPES);
-  EXPECT_EQ(set({"5", "8"}).status, CMD_MIXED_PORT_TYPES);
-  EXPECT_EQ(set({"7", "8"}).status, CMD_MIXED_PORT_TYPES);
-  EXPECT_EQ(set({"0-31"}).status, CMD_MIXED_PORT_TYPES);
+  for (const std::vector<std::string>& words :
+       std::vector<std::vector<std::string>>{{"5", "6"}, {"5-6"}, {"5", "8"}, {"7", "8"}, {"0-31"}})
+    EXPECT_EQ(set(words).status, CMD_MIXED_PORT_TYPES) << words[0];
 }
 
-TEST_F(ParsePortList, NumbersOfOneTypeSuitASetCommand) {
+TEST_F(ParsePortList, NumbersOfOneTypeAndOfNoneSuitASetCommand) {
   EXPECT_EQ(set({"0", "5", "1-3"}), accepted(0x2F));
   EXPECT_EQ(set({"6-7"}), accepted(0xC0));
   EXPECT_EQ(set({"8", "11"}), accepted(0x900));
-}
-
-TEST_F(ParsePortList, PortOfNoTypeMixesWithEveryType) {
   EXPECT_EQ(set({"5", "20"}), accepted(0x100020));
   EXPECT_EQ(set({"20", "8"}), accepted(0x100100));
 }
@@ -335,43 +254,19 @@ Parsed rate(const char* word) {
 
 constexpr Parsed kRefusedWithoutStoring = {CMD_BAD_PARAM, kUntouched};
 
-TEST(ParseRate, LongNames) {
-  EXPECT_EQ(rate("AUTO"), accepted(0));
-  EXPECT_EQ(rate("1G"), accepted(1));
-  EXPECT_EQ(rate("2G"), accepted(2));
-  EXPECT_EQ(rate("4G"), accepted(3));
-  EXPECT_EQ(rate("8G"), accepted(4));
-  EXPECT_EQ(rate("10G"), accepted(5));
-  EXPECT_EQ(rate("20G"), accepted(6));
+TEST(ParseRate, TakesLongAndShortNamesInAnyCase) {
+  const std::vector<std::vector<const char*>> words = {
+      {"AUTO", "auto", "Auto"}, {"1G", "1"}, {"2G", "2"}, {"4G", "4"}, {"8G", "8"}, {"10G", "10"},
+      {"20G", "20g", "20"}};
+  for (std::uint32_t value = 0; value < words.size(); ++value) {
+    for (const char* word : words[value])
+      EXPECT_EQ(rate(word), accepted(value)) << word;
+  }
 }
 
-TEST(ParseRate, ShortNames) {
-  EXPECT_EQ(rate("1"), accepted(1));
-  EXPECT_EQ(rate("2"), accepted(2));
-  EXPECT_EQ(rate("4"), accepted(3));
-  EXPECT_EQ(rate("8"), accepted(4));
-  EXPECT_EQ(rate("10"), accepted(5));
-  EXPECT_EQ(rate("20"), accepted(6));
-}
-
-TEST(ParseRate, IgnoresCase) {
-  EXPECT_EQ(rate("auto"), accepted(0));
-  EXPECT_EQ(rate("Auto"), accepted(0));
-  EXPECT_EQ(rate("20g"), accepted(6));
-}
-
-TEST(ParseRate, PrintedNameOfAnInvalidRateIsRefused) {
-  EXPECT_EQ(rate("INV"), kRefusedWithoutStoring);
-  EXPECT_EQ(rate("inv"), kRefusedWithoutStoring);
-}
-
-TEST(ParseRate, OtherWordsAreRefused) {
-  EXPECT_EQ(rate(""), kRefusedWithoutStoring);
-  EXPECT_EQ(rate("0"), kRefusedWithoutStoring);
-  EXPECT_EQ(rate("3"), kRefusedWithoutStoring);
-  EXPECT_EQ(rate("16G"), kRefusedWithoutStoring);
-  EXPECT_EQ(rate("8GB"), kRefusedWithoutStoring);
-  EXPECT_EQ(rate("08"), kRefusedWithoutStoring);
+TEST(ParseRate, RefusalStoresNothing) {
+  for (const char* word : {"INV", "inv", "", "0", "3", "16G", "8GB", "08"})
+    EXPECT_EQ(rate(word), kRefusedWithoutStoring) << word;
 }
 
 Parsed interfaceOf(const char* word) {
@@ -389,11 +284,9 @@ TEST(ParseInterface, LongAndShortNamesInAnyCase) {
   EXPECT_EQ(interfaceOf("n"), accepted(2));
 }
 
-TEST(ParseInterface, OtherWordsAreRefused) {
-  EXPECT_EQ(interfaceOf("INV"), kRefusedWithoutStoring);
-  EXPECT_EQ(interfaceOf(""), kRefusedWithoutStoring);
-  EXPECT_EQ(interfaceOf("as"), kRefusedWithoutStoring);
-  EXPECT_EQ(interfaceOf("0"), kRefusedWithoutStoring);
+TEST(ParseInterface, RefusalStoresNothing) {
+  for (const char* word : {"INV", "", "as", "0"})
+    EXPECT_EQ(interfaceOf(word), kRefusedWithoutStoring) << word;
 }
 
 Parsed enable(const char* word) {
@@ -409,28 +302,21 @@ Parsed fwHw(const char* word) {
 }
 
 TEST(ParseEnable, OnAndOffInAnyCase) {
-  EXPECT_EQ(enable("en"), accepted(1));
-  EXPECT_EQ(enable("EN"), accepted(1));
-  EXPECT_EQ(enable("dis"), accepted(0));
-  EXPECT_EQ(enable("Dis"), accepted(0));
-}
-
-TEST(ParseEnable, RefusalStoresNothing) {
-  EXPECT_EQ(enable("enable"), (Parsed{CMD_BAD_PARAM, 0xEF}));
-  EXPECT_EQ(enable("1"), (Parsed{CMD_BAD_PARAM, 0xEF}));
-  EXPECT_EQ(enable(""), (Parsed{CMD_BAD_PARAM, 0xEF}));
+  for (const char* word : {"en", "EN"})
+    EXPECT_EQ(enable(word), accepted(1)) << word;
+  for (const char* word : {"dis", "Dis"})
+    EXPECT_EQ(enable(word), accepted(0)) << word;
+  for (const char* word : {"enable", "1", ""})
+    EXPECT_EQ(enable(word), (Parsed{CMD_BAD_PARAM, 0xEF})) << word;
 }
 
 TEST(ParseFwHw, BothInAnyCase) {
-  EXPECT_EQ(fwHw("fw"), accepted(1));
-  EXPECT_EQ(fwHw("FW"), accepted(1));
-  EXPECT_EQ(fwHw("hw"), accepted(0));
-  EXPECT_EQ(fwHw("hW"), accepted(0));
-}
-
-TEST(ParseFwHw, RefusalStoresNothing) {
-  EXPECT_EQ(fwHw("f"), (Parsed{CMD_BAD_PARAM, 0xEF}));
-  EXPECT_EQ(fwHw(""), (Parsed{CMD_BAD_PARAM, 0xEF}));
+  for (const char* word : {"fw", "FW"})
+    EXPECT_EQ(fwHw(word), accepted(1)) << word;
+  for (const char* word : {"hw", "hW"})
+    EXPECT_EQ(fwHw(word), accepted(0)) << word;
+  for (const char* word : {"f", ""})
+    EXPECT_EQ(fwHw(word), (Parsed{CMD_BAD_PARAM, 0xEF})) << word;
 }
 
 }  // namespace

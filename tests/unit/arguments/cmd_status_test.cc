@@ -1,8 +1,6 @@
 // Status messages and the report of a failed platform call.
 #include "arguments/cmd_status.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 
 #include "tests/support/tool_test.h"
@@ -10,39 +8,27 @@
 namespace recording {
 namespace {
 
-TEST(CmdStatusMessages, SuccessAndExitSayNothing) {
-  EXPECT_STREQ(statusMessage(CMD_OK), "");
-  EXPECT_STREQ(statusMessage(CMD_EXIT), "");
-}
-
-TEST(CmdStatusMessages, EveryFailureHasItsText) {
-  EXPECT_STREQ(statusMessage(CMD_TOO_LONG), "command too long");
-  EXPECT_STREQ(statusMessage(CMD_TOO_FEW_ARGS), "too few command args");
-  EXPECT_STREQ(statusMessage(CMD_TOO_MANY_ARGS), "too many command args");
-  EXPECT_STREQ(statusMessage(CMD_UNKNOWN), "unknown command");
-  EXPECT_STREQ(statusMessage(CMD_BAD_PARAM), "invalid command parameter");
-  EXPECT_STREQ(statusMessage(CMD_MIXED_PORT_TYPES), "invalid port list, no mixed types");
-  EXPECT_STREQ(statusMessage(CMD_ETHERNET_ONLY), "invalid port list, ethernet only");
-  EXPECT_STREQ(statusMessage(CMD_FC_ONLY), "invalid port list, fibre channel only");
-  EXPECT_STREQ(statusMessage(CMD_EXEC_ERROR), "error during command execution");
-}
-
-TEST(CmdStatusMessages, TableEndsWithAnEmptyTextThatNothingReturns) {
-  EXPECT_STREQ(statusMessage(static_cast<CmdStatus>(11)), "");
-}
-
-TEST(CmdStatusCodes, AreTheNumbersThatIndexTheMessages) {
-  EXPECT_EQ(static_cast<int>(CMD_OK), 0);
-  EXPECT_EQ(static_cast<int>(CMD_EXIT), 1);
-  EXPECT_EQ(static_cast<int>(CMD_TOO_LONG), 2);
-  EXPECT_EQ(static_cast<int>(CMD_TOO_FEW_ARGS), 3);
-  EXPECT_EQ(static_cast<int>(CMD_TOO_MANY_ARGS), 4);
-  EXPECT_EQ(static_cast<int>(CMD_UNKNOWN), 5);
-  EXPECT_EQ(static_cast<int>(CMD_BAD_PARAM), 6);
-  EXPECT_EQ(static_cast<int>(CMD_MIXED_PORT_TYPES), 7);
-  EXPECT_EQ(static_cast<int>(CMD_ETHERNET_ONLY), 8);
-  EXPECT_EQ(static_cast<int>(CMD_FC_ONLY), 9);
-  EXPECT_EQ(static_cast<int>(CMD_EXEC_ERROR), 10);
+TEST(CmdStatusMessages, EveryStatusHasItsNumberAndText) {
+  const struct {
+    CmdStatus status;
+    int number;
+    const char* text;
+  } rows[] = {{CMD_OK, 0, ""},
+              {CMD_EXIT, 1, ""},
+              {CMD_TOO_LONG, 2, "command too long"},
+              {CMD_TOO_FEW_ARGS, 3, "too few command args"},
+              {CMD_TOO_MANY_ARGS, 4, "too many command args"},
+              {CMD_UNKNOWN, 5, "unknown command"},
+              {CMD_BAD_PARAM, 6, "invalid command parameter"},
+              {CMD_MIXED_PORT_TYPES, 7, "invalid port list, no mixed types"},
+              {CMD_ETHERNET_ONLY, 8, "invalid port list, ethernet only"},
+              {CMD_FC_ONLY, 9, "invalid port list, fibre channel only"},
+              {CMD_EXEC_ERROR, 10, "error during command execution"},
+              {static_cast<CmdStatus>(11), 11, ""}};  // nothing returns it
+  for (const auto& row : rows) {
+    EXPECT_EQ(static_cast<int>(row.status), row.number);
+    EXPECT_STREQ(statusMessage(row.status), row.text);
+  }
   EXPECT_EQ(sizeof(CmdStatus), 4u);
 }
 

@@ -1,6 +1,4 @@
 // The display of the topology.
-#include "commands/show_config.h"
-
 #include "tests/support/expected.h"
 #include "topology/serdes_topology.h"
 
@@ -62,15 +60,6 @@ const Calls kCalls = {"ToString(2)", "ToString(2)", "ToString(2)", "ToString(3)"
 
 TEST_F(ShowConfig, PrintsPortsCoresTypesAndLists) {
   EXPECT_EQ(run("showConfig"), printed(kOutput, kCalls));
-}
-
-TEST_F(ShowConfig, ByShortcut) {
-  EXPECT_EQ(run("dcfg"), printed(kOutput, kCalls));
-}
-
-TEST_F(ShowConfig, TakesNoArgument) {
-  EXPECT_EQ(run("showConfig x"), refused(CMD_TOO_MANY_ARGS));
-  EXPECT_EQ(run("dcfg 0 1"), refused(CMD_TOO_MANY_ARGS));
 }
 
 TEST_F(ShowConfig, NumbersOfTwoDigitsKeepTheColumns) {

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <climits>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -292,27 +293,31 @@ TEST_F(Session, PathInTheImagesFolderIsCutAt4095Characters) {
   EXPECT_EQ(outcome.err, "");
 }
 
-TEST_F(Session, FailedAsicOpenIsReportedAndTheSessionRuns) {
-  platform.fail("AsicCtlOpen", -5);
-  const ProcessOutcome outcome = scripts({script("only", "bogus\n")});
-  EXPECT_EQ(outcome.result, 0);
-  EXPECT_EQ(outcome.out, "openSerdes: serdes err -5\n\nunknown command\n\n" + kEnd);
-  EXPECT_EQ(outcome.err, "");
-  EXPECT_EQ(outcome.calls, Calls{"AsicCtlOpen()"} + kClosing);
-}
-
-TEST_F(Session, FailedPortOpenIsReportedAndTheSessionRuns) {
-  platform.fail("PortCtlOpen", -6);
-  const ProcessOutcome outcome = scripts({script("only", "bogus\n")});
-  EXPECT_EQ(outcome.result, 0);
-  EXPECT_EQ(outcome.out, "openSerdes: serdes err -6\n\nunknown command\n\n" + kEnd);
-  EXPECT_EQ(outcome.calls, (Calls{"AsicCtlOpen()", "PortCtlOpen()"} + kClosing));
+TEST_F(Session, FailedStartIsReportedAndTheSessionRuns) {
+  const std::string opening = "openSerdes: serdes err -5\n";
+  const struct {
+    const char* operation;
+    std::string out;
+    Calls calls;
+  } rows[] = {
+      {"AsicCtlOpen", opening, {"AsicCtlOpen()"}},
+      {"PortCtlOpen", opening, {"AsicCtlOpen()", "PortCtlOpen()"}},
+      {"GetSwitchConfig", opening, kOpening},
+      {"GetSerDesInfo", kSwitchLines + "setAsicNumCmdHandler: serdes err -5\n", kOpening + Calls{"GetSerDesInfo(0)"}}};
+  for (const auto& row : rows) {
+    platform.faults.clear();
+    platform.fail(row.operation, -5);
+    const ProcessOutcome outcome = scripts({script("only", "bogus\n")});
+    EXPECT_EQ(outcome.result, 0);
+    EXPECT_EQ(outcome.out, row.out + "\nunknown command\n\n" + kEnd);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.calls, row.calls + kClosing);
+  }
 }
 
 TEST_F(Session, FailedSwitchConfigurationLeavesNoAsicToSelect) {
   platform.fail("GetSwitchConfig", -7);
   const ProcessOutcome outcome = scripts({script("only", "setAsicNum 0\n")});
-  EXPECT_EQ(outcome.result, 0);
   EXPECT_EQ(outcome.out, "openSerdes: serdes err -7\n\ninvalid command parameter\n\n" + kEnd);
   EXPECT_EQ(outcome.calls, kOpening + kClosing);
 }
@@ -323,14 +328,6 @@ TEST_F(Session, FailedStartRunsThePromptToo) {
   EXPECT_EQ(outcome.result, 0);
   EXPECT_EQ(outcome.out,
             "openSerdes: serdes err -5\n\n" + commandList() + "\n\nserdes: too few command args\n\nserdes: " + kEnd);
-}
-
-TEST_F(Session, FailedDiscoveryPrintsItsOwnErrorAndTheSessionRuns) {
-  platform.fail("GetSerDesInfo", -8);
-  const ProcessOutcome outcome = scripts({script("only", "bogus\n")});
-  EXPECT_EQ(outcome.result, 0);
-  EXPECT_EQ(outcome.out, kSwitchLines + "setAsicNumCmdHandler: serdes err -8\n\nunknown command\n\n" + kEnd);
-  EXPECT_EQ(outcome.calls, kOpening + Calls{"GetSerDesInfo(0)"} + kClosing);
 }
 
 TEST_F(Session, SwitchWithoutAsicsStartsWithoutATopology) {
@@ -414,23 +411,6 @@ TEST_F(OpenAndClose, FieldsOfTheSwitchArePrintedAsSignedNumbers) {
             "switchHwConfig.NumASICs:-1\ncurrent asicNum:0, coreCount:0, portCount:0\n");
 }
 
-TEST_F(OpenAndClose, PositiveResultsAreSuccesses) {
-  platform.fail("AsicCtlOpen", 1);
-  platform.fail("PortCtlOpen", 2);
-  platform.fail("GetSwitchConfig", 3);
-  EXPECT_EQ(open(), printed(kSwitchLines + "current asicNum:0, coreCount:0, portCount:0\n",
-                            kOpening + Calls{"GetSerDesInfo(0)"}));
-}
-
-TEST_F(OpenAndClose, EachFailureEndsOpening) {
-  platform.fail("AsicCtlOpen", -1);
-  EXPECT_EQ(open(), failed("openSerdes: serdes err -1\n", {"AsicCtlOpen()"}));
-  platform.fail("PortCtlOpen", -2);
-  EXPECT_EQ(open(), failed("openSerdes: serdes err -2\n", {"AsicCtlOpen()", "PortCtlOpen()"}));
-  platform.fail("GetSwitchConfig", -3);
-  EXPECT_EQ(open(), failed("openSerdes: serdes err -3\n", kOpening));
-}
-
 TEST_F(OpenAndClose, StatusOfTheTopologyIsTheStatusOfOpening) {
   platform.fail("GetSerDesInfo", -4);
   EXPECT_EQ(open().status, CMD_EXEC_ERROR);
@@ -444,21 +424,17 @@ TEST_F(OpenAndClose, OpeningDoesNotCountAsACommand) {
   EXPECT_EQ(currentCommandIndex, 17u);
 }
 
-TEST_F(OpenAndClose, ClosingClosesBoth) {
-  EXPECT_EQ(closeSerdes(), 0);
-  EXPECT_EQ(platform.calls, kClosing);
-}
-
-TEST_F(OpenAndClose, ClosingGivesTheFirstResultThatIsNotZero) {
-  platform.fail("AsicCtlClose", -1);
-  platform.fail("PortCtlClose", -2);
-  EXPECT_EQ(closeSerdes(), -1);
-  EXPECT_EQ(platform.calls, kClosing);
-  platform.fail("PortCtlClose", -2);
-  EXPECT_EQ(closeSerdes(), -2);
-  platform.fail("AsicCtlClose", 5);
-  platform.fail("PortCtlClose", -2);
-  EXPECT_EQ(closeSerdes(), 5);
+TEST_F(OpenAndClose, ClosingClosesBothAndGivesTheFirstResultThatIsNotZero) {
+  const struct {
+    int asic, port, result;
+  } rows[] = {{0, 0, 0}, {-1, -2, -1}, {0, -2, -2}, {5, -2, 5}, {INT_MIN, 0, INT_MIN}, {0, 7, 7}};
+  for (const auto& row : rows) {
+    SetUp();
+    platform.fail("AsicCtlClose", row.asic);
+    platform.fail("PortCtlClose", row.port);
+    EXPECT_EQ(closeSerdes(), row.result);
+    EXPECT_EQ(platform.calls, kClosing);
+  }
 }
 
 TEST_F(OpenAndClose, ExitIgnoresItsArgument) {

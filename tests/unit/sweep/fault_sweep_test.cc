@@ -5,80 +5,19 @@
 #include <climits>
 #include <cstring>
 
-#include "shell/command_table.h"
 #include "shell/session.h"
-#include "tests/support/tool_test.h"
+#include "tests/unit/sweep/examples.h"
 #include "topology/serdes_topology.h"
 
+namespace recording {
 namespace {
-
-using recording::Calls;
-using recording::Outcome;
-using recording::platform;
-using recording::run;
-
-struct Command {
-  const char* line;
-  const char* handler;
-};
-
-// At least one line for every command that calls the platform.
-constexpr Command kCommands[] = {
-    {"setAsicNum 1", "setAsicNumCmdHandler"},
-    {"setRate 4G gl", "setRateCmdHandler"},
-    {"setTxEnable 0 0 2 4", "setTxEnableCmdHandler"},
-    {"showRate all", "showRateCmdHandler"},
-    {"showFFE xg", "showFFECmdHandler"},
-    {"setFFE FFE3 115 -4 55 -25 0 gl", "setFFECmdHandler"},
-    {"showSlew xg", "showSlewCmdHandler"},
-    {"setSlew 36 0 1", "setSlewCmdHandler"},
-    {"showTxParams 0 6", "showTxParamsCmdHandler"},
-    {"setTxParams FFE3 115 -4 55 -25 0 36 gl", "setTxParamsCmdHandler"},
-    {"showRxParams 0 6", "showRxParamsCmdHandler"},
-    {"setRxParams DFE5 6 4 0x4e gl", "setRxParamsCmdHandler"},
-    {"showTxParamsCache 8G 0-7", "showTxParamsCacheCmdHandler"},
-    {"setTxParamsCache 8G FFE3 115 -4 55 -25 0 36 gl", "setTxParamsCacheCmdHandler"},
-    {"showTxParamsRaw asic 8G gl", "showTxParamsRawCmdHandler"},
-    {"setTxParamsRaw asic 8G 0 2 115 -4 55 -25 0 gl", "setTxParamsRawCmdHandler"},
-    {"eshowTxParamsCache 10G exg", "eshowTxParamsCacheCmdHandler"},
-    {"esetTxParamsCache 10G 6 5 exg", "esetTxParamsCacheCmdHandler"},
-    {"showRxParamsCache 8G 0-7", "showRxParamsCacheCmdHandler"},
-    {"setRxParamsCache 8G DFE3 7 0 0x4e gl", "setRxParamsCacheCmdHandler"},
-    {"showRxParamsRaw asic 8G gl", "showRxParamsRawCmdHandler"},
-    {"setRxParamsRaw asic 8G 1 7 0 0x4e 0 gl", "setRxParamsRawCmdHandler"},
-    {"eshowRxParamsCache 10G exg", "eshowRxParamsCacheCmdHandler"},
-    {"esetRxParamsCache 10G 2 1 exg", "esetRxParamsCacheCmdHandler"},
-    {"showDFE 0 6", "showDFECmdHandler"},
-    {"setDFE DFE5 gl", "setDFECmdHandler"},
-    {"setDFEState 4 0 DFE3 0 1 0 1 0 1 0 1 0 1", "setDFEStateCmdHandler"},
-    {"showDFEStats 0-7", "showDFEStatsCmdHandler"},
-    {"showVGA 0 6", "showVGACmdHandler"},
-    {"setVGA 6 4 0x4e gl", "setVGACmdHandler"},
-    {"showPLL all", "showPLLRegistersCmdHandler"},
-    {"writePLL 1 7 0xff", "writePLLRegisterCmdHandler"},
-    {"readPLL 1 7", "readPLLRegisterCmdHandler"},
-    {"showTx 0 6", "showTxRegistersCmdHandler"},
-    {"writeTx 4 0 3 0x1c", "writeTxRegisterCmdHandler"},
-    {"readTx 4 0 3", "readTxRegisterCmdHandler"},
-    {"showRx 0 6", "showRxRegistersCmdHandler"},
-    {"writeRx 4 0 3 0x1d", "writeRxRegisterCmdHandler"},
-    {"readRx 4 0 3", "readRxRegisterCmdHandler"},
-    {"runTest 4 0 0 1", "runTestCmdHandler"},
-    {"runTest 0 0 100 0", "runTestCmdHandler"},
-    {"runTest 4 0 101 0", "runTestCmdHandler"},
-    {"getTest 4 0 0", "getTestCmdHandler"},
-    {"clearErrors 0 1 2 3", "clearErrorsCmdHandler"},
-};
-
-// Commands that call no platform operation which can fail.
-constexpr const char* kCommandsWithoutCalls[] = {"showConfig", "loop", "help", "exit"};
 
 std::string operationOf(const std::string& call) {
   return call.substr(0, call.find('('));
 }
 
-bool startsWith(const Calls& calls, const Calls& prefix) {
-  return prefix.size() <= calls.size() && std::equal(prefix.begin(), prefix.end(), calls.begin());
+Calls upTo(const Calls& calls, std::size_t last) {
+  return {calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(last) + 1};
 }
 
 // The table header absorbs the failures of its own questions; the only way a type's name can fail is to be null.
@@ -92,150 +31,107 @@ bool isAbsorbed(const Calls& calls, std::size_t failed) {
   return operation == "GetPortCfgSpeed" && failed > 0 && operationOf(calls[failed - 1]) == "GetPortInfo";
 }
 
+// What a failing call leaves in front of the error line, and the line; a missing hardware record is not reported.
+void expectReport(const std::string& out, const std::string& faultless, const std::string& call,
+                  const std::string& reporter, int code, bool printsAsItGoes) {
+  const std::string line =
+      operationOf(call) == "GetPortHwConfig" ? "" : reporter + ": serdes err " + std::to_string(code) + "\n";
+  ASSERT_TRUE(out.ends_with(line)) << out;
+  const std::string before = out.substr(0, out.size() - line.size());
+  EXPECT_TRUE(faultless.starts_with(before)) << out;
+  EXPECT_TRUE(printsAsItGoes || before.empty()) << out;
+  EXPECT_EQ(before.find("serdes err"), std::string::npos) << out;
+}
+
 std::string topologyBytes() {
   std::string bytes(sizeof serdesTopology, '\0');
   std::memcpy(bytes.data(), &serdesTopology, sizeof serdesTopology);
   return bytes;
 }
 
-class FaultSweep : public recording::ToolTest {
+class FaultSweep : public TopologyTest, public testing::WithParamInterface<Example> {
  protected:
-  void startAfresh() {
-    SetUp();
-    discover();
-  }
-
   // Gives what was printed where the failure is absorbed, and nothing where it ends the command.
-  std::string checkFailure(const Command& command, const Outcome& faultless, std::size_t call, int code, bool forever) {
-    SCOPED_TRACE(std::string(command.line) + ", call " + std::to_string(call + 1) + " " + faultless.calls[call] +
-                 " gives " + std::to_string(code) + (forever ? " for ever" : " once"));
-    startAfresh();
+  std::string checkFailure(const Outcome& faultless, std::size_t call, int code, bool forever) {
+    const Example& example = GetParam();
+    SCOPED_TRACE("call " + std::to_string(call + 1) + " " + faultless.calls[call] + " gives " + std::to_string(code) +
+                 (forever ? " for ever" : " once"));
+    SetUp();
     const std::string model = topologyBytes();
     platform.failCall(static_cast<unsigned>(call) + 1, code, forever);
-    const Outcome outcome = run(command.line);
-    if (isAbsorbed(faultless.calls, call)) {
+    const Outcome outcome = run(lineOf(example));
+    const bool absorbed = isAbsorbed(faultless.calls, call);
+    if (absorbed) {
       EXPECT_EQ(outcome.status, faultless.status);
       EXPECT_EQ(outcome.out.find("serdes err"), std::string::npos) << outcome.out;
     } else {
       EXPECT_EQ(outcome.status, CMD_EXEC_ERROR);
-      EXPECT_EQ(outcome.calls, Calls(faultless.calls.begin(), faultless.calls.begin() + static_cast<long>(call) + 1));
-      const std::string line = std::string(command.handler) + ": serdes err " + std::to_string(code) + "\n";
-      if (operationOf(faultless.calls[call]) == "GetPortHwConfig") {
-        EXPECT_EQ(outcome.out.find("serdes err"), std::string::npos) << outcome.out;
-      } else if (std::string(command.handler) == "setAsicNumCmdHandler") {
-        // The cores found so far have been printed.
-        EXPECT_TRUE(outcome.out.ends_with(line)) << outcome.out;
-        EXPECT_TRUE(faultless.out.starts_with(outcome.out.substr(0, outcome.out.size() - line.size())));
-      } else {
-        EXPECT_EQ(outcome.out, line);
-      }
+      EXPECT_EQ(outcome.calls, upTo(faultless.calls, call));
+      const std::string reporter = example.handler ? example.handler : std::string(example.name) + "CmdHandler";
+      expectReport(outcome.out, faultless.out, faultless.calls[call], reporter, code, example.printsAsItGoes);
     }
     platform.faults.clear();
-    if (std::string(command.handler) != "setAsicNumCmdHandler") {
+    if (!example.printsAsItGoes) {
       EXPECT_EQ(topologyBytes(), model);
     }
-    const Outcome again = run(command.line);
-    EXPECT_EQ(again.status, faultless.status);
-    EXPECT_EQ(again.out, faultless.out);
-    EXPECT_EQ(again.calls, faultless.calls);
-    return isAbsorbed(faultless.calls, call) ? outcome.out : "";
+    EXPECT_EQ(run(lineOf(example)), faultless);
+    return absorbed ? outcome.out : "";
   }
 };
 
-TEST_F(FaultSweep, EveryCommandOfTheTableIsSwept) {
-  for (std::size_t i = 0; i < kCommandCount; ++i) {
-    const std::string name = cmdTable[i].name;
-    const bool swept = std::any_of(std::begin(kCommands), std::end(kCommands), [&](const Command& command) {
-      return std::string(command.line).starts_with(name + " ");
-    });
-    const bool exempt = std::find(std::begin(kCommandsWithoutCalls), std::end(kCommandsWithoutCalls), name) !=
-                        std::end(kCommandsWithoutCalls);
-    EXPECT_NE(swept, exempt) << name;
+INSTANTIATE_TEST_SUITE_P(, FaultSweep, testing::ValuesIn(kExamples), exampleName);
+
+TEST_P(FaultSweep, EachCallFailsWithOneErrorLineAndNoTable) {
+  const Outcome faultless = run(lineOf(GetParam()));
+  ASSERT_EQ(faultless.status, std::string(GetParam().name) == "exit" ? CMD_EXIT : CMD_OK);
+  for (std::size_t call = 0; call < faultless.calls.size(); ++call) {
+    for (const bool forever : {false, true})
+      EXPECT_EQ(checkFailure(faultless, call, -1, forever), checkFailure(faultless, call, INT_MIN, forever));
   }
 }
 
-TEST_F(FaultSweep, EachCallOfEachCommandFailsWithOneErrorLineAndNoTable) {
-  for (const Command& command : kCommands) {
-    startAfresh();
-    const Outcome faultless = run(command.line);
-    ASSERT_EQ(faultless.status, CMD_OK) << command.line;
-    ASSERT_FALSE(faultless.calls.empty()) << command.line;
-    for (std::size_t call = 0; call < faultless.calls.size(); ++call) {
-      for (const bool forever : {false, true}) {
-        const std::string out = checkFailure(command, faultless, call, -1, forever);
-        EXPECT_EQ(checkFailure(command, faultless, call, INT_MIN, forever), out) << command.line;
-      }
-    }
+TEST_P(FaultSweep, PositiveResultsAreNoFailures) {
+  const Outcome faultless = run(lineOf(GetParam()));
+  for (const int code : {1, INT_MAX}) {
+    SetUp();
+    platform.failCall(1, code, true);
+    EXPECT_EQ(run(lineOf(GetParam())), faultless) << code;
   }
 }
 
-TEST_F(FaultSweep, PositiveResultsAreNoFailures) {
-  for (const Command& command : kCommands) {
-    for (const int code : {1, INT_MAX}) {
-      SCOPED_TRACE(std::string(command.line) + " " + std::to_string(code));
-      startAfresh();
-      const Outcome faultless = run(command.line);
-      startAfresh();
-      platform.failCall(1, code, true);
-      const Outcome outcome = run(command.line);
-      EXPECT_EQ(outcome.status, CMD_OK);
-      EXPECT_EQ(outcome.out, faultless.out);
-      EXPECT_EQ(outcome.calls, faultless.calls);
-    }
+// Start-up from a tool that knows nothing yet.
+class StartUp : public ToolTest {
+ protected:
+  Outcome start(unsigned failingCall = 0, int code = 0, bool forever = false) {
+    SetUp();
+    serdesTopology = {};
+    if (failingCall != 0) platform.failCall(failingCall, code, forever);
+    Outcome outcome;
+    outcome.out = printedBy([&] { outcome.status = openSerdes(0, nullptr); });
+    outcome.calls = platform.calls;
+    return outcome;
   }
+};
+
+TEST_F(StartUp, PositiveResultsAreNoFailures) {
+  EXPECT_EQ(start(1, 1, true), start());
 }
 
-TEST_F(FaultSweep, PositiveResultsAreNoFailuresOfStartUp) {
-  SetUp();
-  const std::string faultless = recording::printedBy([] { (void)openSerdes(0, nullptr); });
-  SetUp();
-  serdesTopology = {};
-  platform.failCall(1, 1, true);
-  EXPECT_EQ(recording::printedBy([] { EXPECT_EQ(openSerdes(0, nullptr), CMD_OK); }), faultless);
-}
-
-TEST_F(FaultSweep, EachCallOfStartUpFailsAndTheSessionStillRuns) {
-  SetUp();
-  Outcome faultless;
-  faultless.out = recording::printedBy([&] { faultless.status = openSerdes(0, nullptr); });
-  faultless.calls = platform.calls;
+TEST_F(StartUp, EachCallFailsAndTheSessionStillRuns) {
+  const Outcome faultless = start();
   ASSERT_EQ(faultless.status, CMD_OK);
   for (std::size_t call = 0; call < faultless.calls.size(); ++call) {
     for (const int code : {-1, INT_MIN}) {
       SCOPED_TRACE(faultless.calls[call]);
-      SetUp();
-      serdesTopology = {};
-      platform.failCall(static_cast<unsigned>(call) + 1, code);
-      CmdStatus status = CMD_OK;
-      const std::string out = recording::printedBy([&] { status = openSerdes(0, nullptr); });
-      EXPECT_EQ(status, CMD_EXEC_ERROR);
-      EXPECT_TRUE(startsWith(faultless.calls, platform.calls));
-      EXPECT_EQ(platform.calls.size(), call + 1);
-      const std::string name = call < 3 ? "openSerdes" : "setAsicNumCmdHandler";
-      const std::string line = name + ": serdes err " + std::to_string(code) + "\n";
-      const bool silent = operationOf(faultless.calls[call]) == "GetPortHwConfig";
-      EXPECT_EQ(out.ends_with(line), !silent) << out;
-      EXPECT_TRUE(faultless.out.starts_with(silent ? out : out.substr(0, out.size() - line.size())));
-      EXPECT_EQ(recording::runStream("bogus\n"), "unknown command\n\n\n\n");
+      const Outcome outcome = start(static_cast<unsigned>(call) + 1, code);
+      EXPECT_EQ(outcome.status, CMD_EXEC_ERROR);
+      EXPECT_EQ(outcome.calls, upTo(faultless.calls, call));
+      expectReport(outcome.out, faultless.out, faultless.calls[call], call < 3 ? "openSerdes" : "setAsicNumCmdHandler",
+                   code, true);
+      EXPECT_EQ(runStream("bogus\n"), "unknown command\n\n\n\n");
     }
   }
-}
-
-TEST_F(FaultSweep, EachCallOfCloseFailsAndBothAreMade) {
-  for (unsigned call = 1; call <= 2; ++call) {
-    for (const int code : {-1, INT_MIN, 5}) {
-      SetUp();
-      platform.failCall(call, code);
-      EXPECT_EQ(closeSerdes(), code);
-      EXPECT_EQ(platform.calls, (Calls{"AsicCtlClose()", "PortCtlClose()"}));
-    }
-  }
-}
-
-TEST_F(FaultSweep, TheFirstFailureOfCloseWins) {
-  platform.fail("AsicCtlClose", -3);
-  platform.fail("PortCtlClose", -4);
-  EXPECT_EQ(closeSerdes(), -3);
 }
 
 }  // namespace
+}  // namespace recording
