@@ -1,23 +1,26 @@
 #!/usr/bin/env python3
-"""The manual and the word list against the binary that they describe.
+"""The manual, the word list and the table as data against the binary that they describe.
 
-SERDES is the binary, TEXTS the folder of the built manuals and words, COMMAND_TEXTS the program that made them and
-SOURCE the source tree.
+SERDES is the binary, TEXTS the folder of what was made from its table, BUILD and SOURCE are the trees and READELF is the
+program of that name.
 """
+import json
 import os
 import re
+import shlex
 import subprocess
+import sys
 import tempfile
 import unittest
 from pathlib import Path
 
 SERDES = os.environ["SERDES"]
 TEXTS = Path(os.environ["TEXTS"])
-COMMAND_TEXTS = os.environ["COMMAND_TEXTS"]
 SOURCE = Path(os.environ["SOURCE"])
 MANUAL_SOURCE = SOURCE / "packaging/manual"
 LIMIT_SECONDS = 30
 
+TABLE = json.loads((TEXTS / "commands.json").read_text(encoding="ascii"))
 MANUAL = (TEXTS / "serdes.8").read_text(encoding="ascii")
 FAILURES = ("command", "too few", "too many", "unknown", "invalid", "error during")
 
@@ -42,7 +45,8 @@ class Command:
     def __init__(self, text):
         title, self.text = text.split("\n", 1)
         self.name, _, arguments = plain(title).removeprefix(".It Ic ").partition(" ")
-        self.words = 1 + len([word for word in arguments.split(" Op ")[0].split() if word != "Ar"])
+        self.synopsis = arguments.replace("Ar ", "")
+        self.words = 1 + len(self.synopsis.split(" Op ")[0].split())
         self.shortcut = plain(re.match(r"Shortcut\n\.Ic (\S+) ;\n", self.text).group(1))
         least, most = re.search(r"^(?:(\d+) to )?(\d+) words?[.;]", self.text, re.MULTILINE).groups()
         self.least, self.most = int(least or most), int(most)
@@ -90,6 +94,74 @@ class Commands(unittest.TestCase):
                 self.assertLessEqual(command.least, command.words)
                 self.assertLessEqual(command.words, command.most)
 
+    # Where the command list leaves arguments out, abbreviates them or names them otherwise.
+    DIFFERENT = {
+        "setAsicNum": "asic",
+        "setSlew": "slew portlist",
+        "showTxParamsCache": "rate portlist",
+        "showRxParamsCache": "rate portlist",
+        "eshowTxParamsCache": "rate portlist",
+        "eshowRxParamsCache": "rate portlist",
+        "setTxParamsRaw": "interface rate power slew mode p0 p1 p2 p3 portlist",
+        "setRxParamsCache": "rate mode pole peak amax portlist",
+        "esetTxParamsCache": "rate power pre-emphasis portlist",
+        "setDFEState": "port link mode H1ev H1odd H2ev H2odd H3ev H3odd H4ev H4odd H5ev H5odd",
+        "writePLL": "core addr value",
+        "readPLL": "core addr",
+        "writeTx": "port link addr value",
+        "readTx": "port link addr",
+        "writeRx": "port link addr value",
+        "readRx": "port link addr",
+        "loop": "command Op argument ...",
+        "help": "",
+    }
+
+    def test_synopses_are_those_of_the_command_list_but_where_it_is_not_complete(self):
+        listed = {row["name"]: re.sub(r"[\[\]]", "", row["argHelp"]).replace("portList", "portlist")
+                  for row in TABLE["commands"]}
+        self.assertEqual({command.name: command.synopsis for command in manual_commands()}, listed | self.DIFFERENT)
+        self.assertFalse(self.DIFFERENT.items() & listed.items())
+
+
+class Data(unittest.TestCase):
+    """commands.json, where the manual does not tell it on."""
+
+    def test_statuses(self):
+        self.assertEqual([status["number"] for status in TABLE["statuses"]], list(range(11)))
+        self.assertEqual(TABLE["statuses"][0], {"number": 0, "name": "CMD_OK", "message": ""})
+        self.assertEqual(TABLE["statuses"][6],
+                         {"number": 6, "name": "CMD_BAD_PARAM", "message": "invalid command parameter"})
+
+    def test_set_commands_are_those_that_refuse_ports_of_two_types(self):
+        for row in TABLE["commands"]:
+            example = row["example"].removeprefix("Example: ")
+            if example.endswith(("gl", "exg")) and "Raw" not in row["name"]:
+                with self.subTest(command=row["name"]):
+                    printed = run_commands(example.rpartition(" ")[0] + " 0 20")
+                    self.assertEqual("no mixed types" in printed, row["isSetCmd"], printed)
+
+
+class Version(unittest.TestCase):
+    def test_there_is_one(self):
+        cache = (Path(os.environ["BUILD"]) / "CMakeCache.txt").read_text(encoding="utf-8")
+        version = re.search(r"^CMAKE_PROJECT_VERSION:STATIC=(.*)$", cache, re.MULTILINE).group(1)
+        self.assertEqual(TABLE["version"], version)
+        changelog = (SOURCE / "packaging/debian/changelog").read_text(encoding="utf-8")
+        self.assertEqual(re.match(r"serdes \((.*?)\) ", changelog).group(1), version)
+        for page in ("serdes.8", "serdes-prompt.8", "serdes-simulator.7"):
+            self.assertIn(f'\n.Os "serdes {version}"\n', (TEXTS / page).read_text(encoding="ascii"))
+
+    def test_the_binary_tells_it_by_the_command_that_the_manual_names(self):
+        (command,) = re.findall(r"^\.Dl \$ (readelf .*)$", MANUAL, re.MULTILINE)
+        _, *options, binary = shlex.split(plain(command))
+        self.assertTrue(binary.endswith("/serdes"))
+        printed = subprocess.run([os.environ["READELF"], *options, SERDES], stdout=subprocess.PIPE, check=True,
+                                 timeout=LIMIT_SECONDS).stdout.decode("ascii", "replace")
+        note = json.loads(re.search(r"\{.*\}", printed).group())
+        self.assertEqual(note.keys(), {"type", "name", "version", "architecture"})
+        self.assertEqual((note["name"], note["version"]), ("serdes", TABLE["version"]))
+        self.assertTrue(note["type"] and note["architecture"])
+
 
 class Limits(unittest.TestCase):
     def test_line_length(self):
@@ -119,15 +191,13 @@ class Examples(unittest.TestCase):
 
 
 class Words(unittest.TestCase):
-    def test_every_command_word_can_be_completed(self):
-        words = (TEXTS / "words").read_text(encoding="ascii").splitlines()
-        self.assertEqual(words, sorted(set(words)))
-        self.assertLessEqual({word for row in listed_commands() for word in row} - {"?"}, set(words))
-        self.assertLessEqual({"gl", "all", "8G", "AUTO", "FFE3", "36ps", "DFE5", "NONE", "asic"}, set(words))
+    KEYWORDS = """all gl xg exg AUTO 1G 2G 4G 8G 10G 20G asic system network FFE2 FFE3 FFE4
+                  24ps 30ps 36ps 50ps 60ps 75ps 100ps DFE1 DFE3 DFE5 NONE"""
 
-    def test_words_that_are_only_printed_are_not_offered(self):
+    def test_every_command_word_and_keyword_can_be_completed_and_nothing_else(self):
         words = (TEXTS / "words").read_text(encoding="ascii").splitlines()
-        self.assertFalse({"INV", "UNK", "FFENone"} & set(words))
+        commands = {word for row in listed_commands() for word in row} - {"?"}
+        self.assertEqual(words, sorted(commands | set(self.KEYWORDS.split())))
 
 
 class Simulator(unittest.TestCase):
@@ -149,12 +219,13 @@ class Drift(unittest.TestCase):
 
     def make(self, commands=None, statuses=None):
         with tempfile.TemporaryDirectory() as folder:
-            arguments = [COMMAND_TEXTS, "manual", MANUAL_SOURCE / "serdes.8.in"]
+            arguments = [sys.executable, SOURCE / "packaging/texts/command_texts.py", TEXTS / "commands.json", "manual",
+                         MANUAL_SOURCE / "serdes.8.in"]
             for name, text in (("commands.mdoc", commands), ("statuses.mdoc", statuses)):
                 file = Path(folder) / name
                 file.write_text(text or (MANUAL_SOURCE / name).read_text(encoding="ascii"), encoding="ascii")
                 arguments.append(file)
-            done = subprocess.run([*arguments, "VERSION=0", "DATADIR=/"], capture_output=True, text=True, check=False,
+            done = subprocess.run([*arguments, "BINDIR=/", "DATADIR=/"], capture_output=True, text=True, check=False,
                                   timeout=LIMIT_SECONDS)
         return done.returncode, done.stderr.rpartition("/")[2]
 

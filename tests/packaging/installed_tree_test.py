@@ -1,0 +1,123 @@
+#!/usr/bin/env python3
+"""The build installed into a folder, moved away from there, and run.
+
+BUILD is the build tree, SERDES its binary, SOURCE the source tree, CMAKE the program that installs, and EMULATOR runs what
+was built, in a cross build.
+"""
+import os
+import re
+import shlex
+import shutil
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+BUILD, SOURCE, SERDES = Path(os.environ["BUILD"]), Path(os.environ["SOURCE"]), Path(os.environ["SERDES"])
+EMULATOR = shlex.split(os.environ["EMULATOR"])
+LIMIT_SECONDS = 120
+FAILURES = "(?m)^(command|too|unknown|invalid|error) |serdes err"
+
+
+def run(*arguments, path=os.environ["PATH"], check=True, stdin=""):
+    done = subprocess.run(
+        arguments,
+        input=stdin,
+        text=True,
+        capture_output=True,
+        timeout=LIMIT_SECONDS,
+        check=False,
+        env={"PATH": path, "LC_ALL": "C", "SERDES_SIMULATOR_CLOCK": "virtual"},
+    )
+    if check and done.returncode != 0:
+        raise AssertionError(f"{arguments}: {done.stdout}{done.stderr}")
+    return done
+
+
+class InstalledTree(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
+        cls.printed = run(os.environ["CMAKE"], "--install", BUILD, "--prefix", cls.folder / "first").stdout
+        (cls.folder / "elsewhere").mkdir()
+        cls.tree = (cls.folder / "first").rename(cls.folder / "elsewhere/tree")
+        cls.bin = cls.tree / "bin"
+
+    def path_with(self, name, text):
+        """A search path with a program of that name, and what a shell script needs."""
+        folder = Path(self.enterContext(tempfile.TemporaryDirectory()))
+        for needed in ("sh", "dirname", "readlink", "stty", "cat"):
+            (folder / needed).symlink_to(shutil.which(needed))
+        if name:
+            (folder / name).write_text(f"#!/bin/sh\n{text}\n", encoding="ascii")
+            (folder / name).chmod(0o755)
+        return str(folder)
+
+    def test_everything_that_the_packages_take_is_there(self):
+        wanted = [line for package in ("serdes", "serdes-simulator")
+                  for line in (SOURCE / f"packaging/debian/{package}.install").read_text(encoding="ascii").split()]
+        self.assertGreater(len(wanted), 8)
+        for pattern in wanted:
+            with self.subTest(pattern=pattern):
+                # Without the architecture's folder, which is the packages' own.
+                self.assertTrue(list(self.tree.glob(re.sub(r"^usr/(lib/\*/)?", lambda m: "lib*/**/" if m[1] else "", pattern))))
+        for document in ("README.md", "choices.md"):
+            self.assertTrue((self.tree / "share/doc/serdes" / document).is_file())
+
+    def test_nothing_is_named_in_the_build_or_source_tree(self):
+        links = [path for path in self.tree.rglob("*") if path.is_symlink()]
+        self.assertFalse([path for path in links if not path.resolve().is_relative_to(self.tree)])
+        self.assertIn("-- Installing: ", self.printed)
+
+    def test_the_binary_is_the_one_that_was_built(self):
+        self.assertEqual((self.bin / "serdes").read_bytes(), SERDES.read_bytes())
+
+    def test_an_example_script_runs_on_the_simulated_switch_of_the_tree(self):
+        (script,) = (self.tree / "share/serdes/examples").iterdir()
+        done = run(*EMULATOR, self.bin / "serdes", script)
+        self.assertTrue(done.stdout.startswith("switchHwConfig.NumSlots:4"))
+        self.assertNotRegex(done.stdout, FAILURES)
+        self.assertIn("=====", done.stdout)
+        self.assertEqual(done.stderr, "")
+
+    @unittest.skipIf(EMULATOR, "the dynamic loader's listing is the emulator's own")
+    def test_the_libraries_are_those_of_the_tree(self):
+        listed = subprocess.run([self.bin / "serdes"], env={"LD_TRACE_LOADED_OBJECTS": "1"}, text=True,
+                                capture_output=True, timeout=LIMIT_SECONDS, check=True).stdout
+        found = dict(re.findall(r"(lib\w+Api\.so) => (\S+)", listed))
+        self.assertEqual(len(found), 3)
+        for library in found.values():
+            self.assertTrue(Path(library).resolve().is_relative_to(self.tree), library)
+
+    @unittest.skipIf(EMULATOR, "runs the binary without the emulator")
+    def test_the_prompt_without_a_line_editor_hands_on_its_arguments_and_says_why(self):
+        path = self.path_with(None, "")
+        script = self.folder / "two words.serdes"
+        script.write_text("readPLL 1 7\n", encoding="ascii")
+        done = run(self.bin / "serdes-prompt", script, "no-such", path=path)
+        plain = run(self.bin / "serdes", script, "no-such")
+        self.assertIn("PLL address 0x07= 0x", done.stdout)
+        self.assertEqual(done.stdout, plain.stdout)
+        self.assertEqual(done.stderr,
+                         "serdes-prompt: rlwrap is not installed: lines cannot be edited\n" + plain.stderr)
+
+    def check_editor_arguments(self, prompt, binary, words):
+        path = self.path_with("rlwrap", 'printf "%s\\n" "$@"')
+        *options, file, tool, first, second = run(prompt, "a script", "b", path=path).stdout.splitlines()
+        self.assertEqual((options[-1], Path(file).resolve()), ("--file", words))
+        self.assertEqual((Path(tool), first, second), (binary, "a script", "b"))
+
+    def test_the_line_editor_gets_the_words_and_the_arguments(self):
+        self.check_editor_arguments(self.bin / "serdes-prompt", self.bin / "serdes", self.tree / "share/serdes/words")
+
+    def test_the_prompt_of_the_build_tree_too(self):
+        self.check_editor_arguments(BUILD / "serdes-prompt", SERDES, BUILD / "packaging/words")
+
+    def test_the_prompt_can_be_started_by_a_link(self):
+        link = self.folder / "link"
+        link.symlink_to(self.bin / "serdes-prompt")
+        self.check_editor_arguments(link, self.bin / "serdes", self.tree / "share/serdes/words")
+
+
+if __name__ == "__main__":
+    unittest.main()
