@@ -8,26 +8,29 @@ import json
 import re
 import sys
 from pathlib import Path
+from typing import Any
+
+Table = dict[str, Any]
 
 
 class Mistake(Exception):
     """Says what is wrong in which file."""
 
 
-def words(table):
+def words(table: Table) -> str:
     """Words that are worth completing, one a line."""
     found = {word for row in table["commands"] for word in (row["name"], row["shortcut"]) if word[0].isalpha()}
     found.update(*table["keywords"].values())
     return "".join(f"{word}\n" for word in sorted(found))
 
 
-def shown(text):
+def shown(text: str) -> str:
     """Manual source that shows the text as it stands, without blanks at its end."""
     text = text.rstrip(" ").replace("\\", "\\e").replace("-", "\\-")
     return "\\&" + text if text.startswith((".", "'")) else text
 
 
-def shown_word(word):
+def shown_word(word: str) -> str:
     """The same for one word after a macro, where punctuation and quotes have meanings of their own."""
     return shown(word) if re.fullmatch(r"[\w-]*", word) else "\\&" + shown(word)
 
@@ -35,9 +38,9 @@ def shown_word(word):
 class Entries:
     """A file of hand-written entries: a line "% KEY" or "% KEY | REST", and manual source behind it."""
 
-    def __init__(self, path):
+    def __init__(self, path: Path):
         self.path = path
-        self.entries = {}
+        self.entries: dict[str, tuple[str, str]] = {}
         for entry in re.split(r"^% ", path.read_text(encoding="ascii"), flags=re.MULTILINE)[1:]:
             header, _, text = entry.partition("\n")
             key, _, rest = header.partition(" | ")
@@ -47,7 +50,7 @@ class Entries:
                 raise Mistake(f'{path}: the entry for "{key}" is empty')
             self.entries[key] = rest, text
 
-    def take(self, keys):
+    def take(self, keys: list[str]) -> list[tuple[str, str, str]]:
         """Gives (key, REST, text) for each of the keys, which must be all that there are."""
         for key in keys:
             if key not in self.entries:
@@ -58,18 +61,18 @@ class Entries:
         return [(key, *self.entries[key]) for key in keys]
 
 
-def word_bounds(row):
+def word_bounds(row: Table) -> str:
     least, most = row["minArgs"], row["maxArgs"]
     return ("" if least == most else f"{least} to ") + ("1 word" if most == 1 else f"{most} words")
 
 
-def help_texts(row):
+def help_texts(row: Table) -> str:
     """Indented lines of their own, long ones folded."""
     lines = [line for part in ("description", "example", "exampleNote") for line in row[part].splitlines()]
     return ".Bd -ragged -offset indent -compact\n" + ".br\n".join(shown(line) + "\n" for line in lines) + ".Ed\n"
 
 
-def command_chapter(table, prose):
+def command_chapter(table: Table, prose: Entries) -> str:
     rows = {row["name"]: row for row in table["commands"]}
     text = ".Bl -tag -width Ds\n"
     for name, synopsis, explained in prose.take(list(rows)):
@@ -80,7 +83,7 @@ def command_chapter(table, prose):
     return text + ".El"
 
 
-def status_chapter(table, prose):
+def status_chapter(table: Table, prose: Entries) -> str:
     messages = [status["message"] for status in table["statuses"] if status["message"]]
     text = ".Bl -diag\n"
     for message, _, explained in prose.take(messages):
@@ -88,13 +91,13 @@ def status_chapter(table, prose):
     return text + ".El"
 
 
-def keyword_list(keywords):
+def keyword_list(keywords: list[str]) -> str:
     """ "a, b or c" as macro lines; what stands behind it in the text goes on in the last one."""
     macros = [f".Cm {shown_word(keyword)}" for keyword in keywords]
     return " ,\n".join(macros[:-1]) + "\nor\n" + macros[-1]
 
 
-def manual(table, template, command_prose, status_prose, given):
+def manual(table: Table, template: Path, command_prose: Path, status_prose: Path, given: list[str]) -> str:
     """The template with each "@NAME@" replaced, lists and chapters on a line of their own."""
     keywords, limits = table["keywords"], table["limits"]
     replacements = {
@@ -121,7 +124,7 @@ def manual(table, template, command_prose, status_prose, given):
     return text
 
 
-def main():
+def main() -> None:
     parser = argparse.ArgumentParser(description="Makes what is made from the command table.")
     parser.add_argument("table", type=Path, help="commands.json")
     made = parser.add_subparsers(dest="made", required=True)

@@ -38,7 +38,13 @@ class InstalledTree(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.folder = Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
-        cls.printed = run(os.environ["CMAKE"], "--install", BUILD, "--prefix", cls.folder / "first").stdout
+        # What was installed before can be removed by this file: it stays.
+        manifest = BUILD / "install_manifest.txt"
+        if manifest.exists():
+            manifest.rename(cls.folder / "manifest")
+            cls.addClassCleanup(shutil.move, cls.folder / "manifest", manifest)
+        run(os.environ["CMAKE"], "--install", BUILD, "--prefix", cls.folder / "first")
+        manifest.unlink()
         (cls.folder / "elsewhere").mkdir()
         cls.tree = (cls.folder / "first").rename(cls.folder / "elsewhere/tree")
         cls.bin = cls.tree / "bin"
@@ -54,36 +60,42 @@ class InstalledTree(unittest.TestCase):
         return str(folder)
 
     def test_everything_that_the_packages_take_is_there(self):
-        wanted = [line for package in ("serdes", "serdes-simulator")
-                  for line in (SOURCE / f"packaging/debian/{package}.install").read_text(encoding="ascii").split()]
+        wanted = [
+            line
+            for package in ("serdes", "serdes-simulator")
+            for line in (SOURCE / f"packaging/debian/{package}.install").read_text(encoding="ascii").split()
+        ]
         self.assertGreater(len(wanted), 8)
         for pattern in wanted:
             with self.subTest(pattern=pattern):
-                # Without the architecture's folder, which is the packages' own.
-                self.assertTrue(list(self.tree.glob(re.sub(r"^usr/(lib/\*/)?", lambda m: "lib*/**/" if m[1] else "", pattern))))
+                # The folder of the architecture is Debian's.
+                here = pattern.replace("usr/lib/*/", "lib*/**/").removeprefix("usr/")
+                self.assertTrue(list(self.tree.glob(here)))
         for document in ("README.md", "choices.md"):
             self.assertTrue((self.tree / "share/doc/serdes" / document).is_file())
-
-    def test_nothing_is_named_in_the_build_or_source_tree(self):
-        links = [path for path in self.tree.rglob("*") if path.is_symlink()]
-        self.assertFalse([path for path in links if not path.resolve().is_relative_to(self.tree)])
-        self.assertIn("-- Installing: ", self.printed)
 
     def test_the_binary_is_the_one_that_was_built(self):
         self.assertEqual((self.bin / "serdes").read_bytes(), SERDES.read_bytes())
 
-    def test_an_example_script_runs_on_the_simulated_switch_of_the_tree(self):
-        (script,) = (self.tree / "share/serdes/examples").iterdir()
-        done = run(*EMULATOR, self.bin / "serdes", script)
-        self.assertTrue(done.stdout.startswith("switchHwConfig.NumSlots:4"))
-        self.assertNotRegex(done.stdout, FAILURES)
-        self.assertIn("=====", done.stdout)
-        self.assertEqual(done.stderr, "")
+    def test_the_example_scripts_run_on_the_simulated_switch_of_the_tree(self):
+        for script in (self.tree / "share/serdes/examples").iterdir():
+            with self.subTest(script=script.name):
+                done = run(*EMULATOR, self.bin / "serdes", script)
+                self.assertTrue(done.stdout.startswith("switchHwConfig.NumSlots:4"))
+                self.assertNotRegex(done.stdout, FAILURES)
+                self.assertIn("=====", done.stdout)
+                self.assertEqual(done.stderr, "")
 
     @unittest.skipIf(EMULATOR, "the dynamic loader's listing is the emulator's own")
     def test_the_libraries_are_those_of_the_tree(self):
-        listed = subprocess.run([self.bin / "serdes"], env={"LD_TRACE_LOADED_OBJECTS": "1"}, text=True,
-                                capture_output=True, timeout=LIMIT_SECONDS, check=True).stdout
+        listed = subprocess.run(
+            [self.bin / "serdes"],
+            env={"LD_TRACE_LOADED_OBJECTS": "1"},
+            text=True,
+            capture_output=True,
+            timeout=LIMIT_SECONDS,
+            check=True,
+        ).stdout
         found = dict(re.findall(r"(lib\w+Api\.so) => (\S+)", listed))
         self.assertEqual(len(found), 3)
         for library in found.values():
@@ -98,8 +110,7 @@ class InstalledTree(unittest.TestCase):
         plain = run(self.bin / "serdes", script, "no-such")
         self.assertIn("PLL address 0x07= 0x", done.stdout)
         self.assertEqual(done.stdout, plain.stdout)
-        self.assertEqual(done.stderr,
-                         "serdes-prompt: rlwrap is not installed: lines cannot be edited\n" + plain.stderr)
+        self.assertEqual(done.stderr, "serdes-prompt: rlwrap is not installed: lines cannot be edited\n" + plain.stderr)
 
     def check_editor_arguments(self, prompt, binary, words):
         path = self.path_with("rlwrap", 'printf "%s\\n" "$@"')

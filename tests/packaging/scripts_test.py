@@ -4,6 +4,7 @@
 SOURCE and BUILD are the trees, SERDES is the binary.
 """
 import os
+import pty
 import re
 import shutil
 import subprocess
@@ -14,11 +15,19 @@ from pathlib import Path
 SOURCE, BUILD, SERDES = Path(os.environ["SOURCE"]), Path(os.environ["BUILD"]), Path(os.environ["SERDES"])
 SCRIPTS = SOURCE / "scripts"
 LIMIT_SECONDS = 60
+BESIDES = {"g++", "libgtest-dev", "python3-pyte"}  # installed besides what the packages are built with
 
 
 def run(*arguments, **options):
-    return subprocess.run(arguments, text=True, capture_output=True, timeout=LIMIT_SECONDS, check=False,
-                          stdin=subprocess.DEVNULL, **options)
+    return subprocess.run(
+        arguments,
+        text=True,
+        capture_output=True,
+        timeout=LIMIT_SECONDS,
+        check=False,
+        stdin=subprocess.DEVNULL,
+        **options,
+    )
 
 
 class Tree(unittest.TestCase):
@@ -69,6 +78,28 @@ class Run(Tree):
         self.assertIn("\nserdes: ", done.stdout)
         self.assertEqual(self.called(), ["scripts/build serdes"])
 
+    def at_a_terminal(self):
+        self.stand_in("scripts/build")
+        self.stand_in("build/serdes-prompt")
+        terminal, device = pty.openpty()
+        try:
+            status = subprocess.call([self.root / "scripts/run"], stdin=device, stdout=device, timeout=LIMIT_SECONDS)
+        finally:
+            os.close(terminal)
+            os.close(device)
+        self.assertEqual(status, 0)
+        return self.called()
+
+    def test_at_a_terminal_the_prompt_has_line_editing_which_is_installed(self):
+        self.assertEqual(
+            self.at_a_terminal(),
+            ["scripts/build serdes command_texts", "scripts/install-dependencies rlwrap", "build/serdes-prompt "],
+        )
+
+    def test_at_a_terminal_where_line_editing_cannot_be_installed_there_is_a_prompt_all_the_same(self):
+        self.stand_in("scripts/install-dependencies", status=1)
+        self.assertEqual(self.at_a_terminal()[-1], "build/serdes-prompt ")
+
     def test_a_build_that_fails_runs_nothing(self):
         self.stand_in("scripts/build", status=1)
         done = run(self.root / "scripts/run", "/dev/null")
@@ -86,15 +117,22 @@ class Build(Tree):
         return self.called()
 
     def test_configures_once_and_builds_everything(self):
-        self.assertEqual(self.build(),
-                         ["scripts/install-dependencies ", "programs/cmake -S . -B build -G Ninja -DSERDES_WERROR=OFF",
-                          "programs/cmake --build build --parallel"])
+        self.assertEqual(
+            self.build(),
+            [
+                "scripts/install-dependencies ",
+                "programs/cmake -S . -B build -G Ninja -DSERDES_WERROR=OFF",
+                "programs/cmake --build build --parallel",
+            ],
+        )
 
     def test_a_configured_tree_is_only_built(self):
         (self.root / "build").mkdir()
         (self.root / "build/CMakeCache.txt").touch()
-        self.assertEqual(self.build("serdes", "words"),
-                         ["scripts/install-dependencies ", "programs/cmake --build build --target serdes words"])
+        self.assertEqual(
+            self.build("serdes", "words"),
+            ["scripts/install-dependencies ", "programs/cmake --build build --target serdes words"],
+        )
 
     def test_warnings_are_errors_in_continuous_integration(self):
         self.assertIn("programs/cmake -S . -B build -G Ninja -DSERDES_WERROR=ON", self.build(CI="1"))
@@ -120,13 +158,17 @@ class Dependencies(Tree):
         self.copy("install-dependencies")
         shutil.copytree(SOURCE / "packaging/debian", self.root / "packaging/debian", dirs_exist_ok=True)
         (programs / "dpkg-query").write_text(
-            '#!/bin/sh\nfor name; do :; done\ncase " $INSTALLED " in *" $name "*) echo "install ok installed" ;; esac\n')
+            '#!/bin/sh\nfor name; do :; done\ncase " $INSTALLED " in *" $name "*) echo "install ok installed" ;; esac\n'
+        )
         (programs / "id").write_text("#!/bin/sh\necho 0\n")
         self.stand_in("programs/apt-get")
         for name in ("dpkg-query", "id"):
             (programs / name).chmod(0o755)
-        done = run(self.root / "scripts/install-dependencies", *more,
-                   env={"PATH": f"{programs}:{os.environ['PATH']}", "INSTALLED": " ".join(installed)})
+        done = run(
+            self.root / "scripts/install-dependencies",
+            *more,
+            env={"PATH": f"{programs}:{os.environ['PATH']}", "INSTALLED": " ".join(installed)},
+        )
         self.assertEqual(done.returncode, 0, done.stderr)
         prefix = "programs/apt-get install -y --no-install-recommends "
         return {name for line in self.called() for name in line.removeprefix(prefix).split()}
@@ -138,14 +180,14 @@ class Dependencies(Tree):
 
     def test_what_the_packages_are_built_with_is_installed(self):
         self.assertLessEqual({"cmake", "ninja-build", "libtomlplusplus-dev", "python3"}, self.build_depends())
-        self.assertEqual(self.installs(), self.build_depends() | {"g++", "libgtest-dev"})
+        self.assertEqual(self.installs(), self.build_depends() | BESIDES)
 
     def test_only_what_is_missing_is_installed_and_what_else_is_asked_for(self):
-        there = self.build_depends() | {"g++"}
+        there = self.build_depends() | BESIDES - {"libgtest-dev"}
         self.assertEqual(self.installs("shellcheck", "g++", installed=there), {"libgtest-dev", "shellcheck"})
 
     def test_nothing_is_done_when_all_is_there(self):
-        self.assertEqual(self.installs(installed=self.build_depends() | {"g++", "libgtest-dev"}), set())
+        self.assertEqual(self.installs(installed=self.build_depends() | BESIDES), set())
 
     @unittest.skipUnless(shutil.which("dpkg-query"), "not a Debian system")
     def test_everything_outside_the_tree_that_the_build_uses_is_of_a_package_that_is_installed(self):
@@ -154,8 +196,12 @@ class Dependencies(Tree):
         def cached(name):
             return Path(re.search(rf"^{name}:\w+=(.*)$", cache, re.MULTILINE).group(1))
 
-        used = [cached("CMAKE_COMMAND"), cached("TOMLPLUSPLUS_INCLUDE_DIR") / "toml++/toml.h",
-                cached("_Python3_EXECUTABLE"), cached("GTest_DIR") / "GTestConfig.cmake"]
+        used = [
+            cached("CMAKE_COMMAND"),
+            cached("TOMLPLUSPLUS_INCLUDE_DIR") / "toml++/toml.h",
+            cached("Python3_EXECUTABLE"),
+            cached("GTest_DIR") / "GTestConfig.cmake",
+        ]
         if cached("CMAKE_GENERATOR") == Path("Ninja"):
             used.append(cached("CMAKE_MAKE_PROGRAM"))
         if cached("CMAKE_CXX_COMPILER").name in ("c++", "g++"):
