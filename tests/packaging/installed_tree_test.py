@@ -9,34 +9,35 @@ import re
 import shlex
 import shutil
 import subprocess
+import sys
 import tempfile
 import unittest
 from pathlib import Path
 
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "support"))
+import serdes_runs
+
 BUILD, SOURCE, SERDES = Path(os.environ["BUILD"]), Path(os.environ["SOURCE"]), Path(os.environ["SERDES"])
 EMULATOR = shlex.split(os.environ["EMULATOR"])
-LIMIT_SECONDS = 120
 FAILURES = "(?m)^(command|too|unknown|invalid|error) |serdes err"
 
 
-def run(*arguments, path=os.environ["PATH"], check=True, stdin=""):
-    done = subprocess.run(
-        arguments,
-        input=stdin,
-        text=True,
-        capture_output=True,
-        timeout=LIMIT_SECONDS,
-        check=False,
-        env={"PATH": path, "LC_ALL": "C", "SERDES_SIMULATOR_CLOCK": "virtual"},
-    )
-    if check and done.returncode != 0:
-        raise AssertionError(f"{arguments}: {done.stdout}{done.stderr}")
-    return done
+def run(*command: str | Path, **variables: str) -> subprocess.CompletedProcess[str]:
+    """Runs a program, with changes to its environment."""
+    done = serdes_runs.run(program=command, env=serdes_runs.environment(**variables))
+    stdout, stderr = done.stdout.decode(), done.stderr.decode()
+    if done.returncode != 0:
+        raise AssertionError(f"{command}: {stdout}{stderr}")
+    return subprocess.CompletedProcess(done.args, done.returncode, stdout, stderr)
 
 
 class InstalledTree(unittest.TestCase):
+    folder: Path
+    tree: Path
+    bin: Path
+
     @classmethod
-    def setUpClass(cls):
+    def setUpClass(cls) -> None:
         cls.folder = Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
         # What was installed before can be removed by this file: it stays.
         manifest = BUILD / "install_manifest.txt"
@@ -49,7 +50,7 @@ class InstalledTree(unittest.TestCase):
         cls.tree = (cls.folder / "first").rename(cls.folder / "elsewhere/tree")
         cls.bin = cls.tree / "bin"
 
-    def path_with(self, name, text):
+    def path_with(self, name: str, text: str) -> str:
         """A search path with a program of that name, and what a shell script needs."""
         folder = Path(self.enterContext(tempfile.TemporaryDirectory()))
         for needed in ("sh", "dirname", "readlink", "stty", "cat"):
@@ -59,7 +60,7 @@ class InstalledTree(unittest.TestCase):
             (folder / name).chmod(0o755)
         return str(folder)
 
-    def test_everything_that_the_packages_take_is_there(self):
+    def test_everything_that_the_packages_take_is_there(self) -> None:
         wanted = [
             line
             for package in ("serdes", "serdes-simulator")
@@ -74,10 +75,10 @@ class InstalledTree(unittest.TestCase):
         for document in ("README.md", "choices.md"):
             self.assertTrue((self.tree / "share/doc/serdes" / document).is_file())
 
-    def test_the_binary_is_the_one_that_was_built(self):
+    def test_the_binary_is_the_one_that_was_built(self) -> None:
         self.assertEqual((self.bin / "serdes").read_bytes(), SERDES.read_bytes())
 
-    def test_the_example_scripts_run_on_the_simulated_switch_of_the_tree(self):
+    def test_the_example_scripts_run_on_the_simulated_switch_of_the_tree(self) -> None:
         for script in (self.tree / "share/serdes/examples").iterdir():
             with self.subTest(script=script.name):
                 done = run(*EMULATOR, self.bin / "serdes", script)
@@ -87,44 +88,37 @@ class InstalledTree(unittest.TestCase):
                 self.assertEqual(done.stderr, "")
 
     @unittest.skipIf(EMULATOR, "the dynamic loader's listing is the emulator's own")
-    def test_the_libraries_are_those_of_the_tree(self):
-        listed = subprocess.run(
-            [self.bin / "serdes"],
-            env={"LD_TRACE_LOADED_OBJECTS": "1"},
-            text=True,
-            capture_output=True,
-            timeout=LIMIT_SECONDS,
-            check=True,
-        ).stdout
+    def test_the_libraries_are_those_of_the_tree(self) -> None:
+        listed = run(self.bin / "serdes", LD_TRACE_LOADED_OBJECTS="1", LD_LIBRARY_PATH="").stdout
         found = dict(re.findall(r"(lib\w+Api\.so) => (\S+)", listed))
         self.assertEqual(len(found), 3)
         for library in found.values():
             self.assertTrue(Path(library).resolve().is_relative_to(self.tree), library)
 
     @unittest.skipIf(EMULATOR, "runs the binary without the emulator")
-    def test_the_prompt_without_a_line_editor_hands_on_its_arguments_and_says_why(self):
-        path = self.path_with(None, "")
+    def test_the_prompt_without_a_line_editor_hands_on_its_arguments_and_says_why(self) -> None:
+        path = self.path_with("", "")
         script = self.folder / "two words.serdes"
         script.write_text("readPLL 1 7\n", encoding="ascii")
-        done = run(self.bin / "serdes-prompt", script, "no-such", path=path)
+        done = run(self.bin / "serdes-prompt", script, "no-such", PATH=path)
         plain = run(self.bin / "serdes", script, "no-such")
         self.assertIn("PLL address 0x07= 0x", done.stdout)
         self.assertEqual(done.stdout, plain.stdout)
         self.assertEqual(done.stderr, "serdes-prompt: rlwrap is not installed: lines cannot be edited\n" + plain.stderr)
 
-    def check_editor_arguments(self, prompt, binary, words):
+    def check_editor_arguments(self, prompt: Path, binary: Path, words: Path) -> None:
         path = self.path_with("rlwrap", 'printf "%s\\n" "$@"')
-        *options, file, tool, first, second = run(prompt, "a script", "b", path=path).stdout.splitlines()
+        *options, file, tool, first, second = run(prompt, "a script", "b", PATH=path).stdout.splitlines()
         self.assertEqual((options[-1], Path(file).resolve()), ("--file", words))
         self.assertEqual((Path(tool), first, second), (binary, "a script", "b"))
 
-    def test_the_line_editor_gets_the_words_and_the_arguments(self):
+    def test_the_line_editor_gets_the_words_and_the_arguments(self) -> None:
         self.check_editor_arguments(self.bin / "serdes-prompt", self.bin / "serdes", self.tree / "share/serdes/words")
 
-    def test_the_prompt_of_the_build_tree_too(self):
+    def test_the_prompt_of_the_build_tree_too(self) -> None:
         self.check_editor_arguments(BUILD / "serdes-prompt", SERDES, BUILD / "packaging/words")
 
-    def test_the_prompt_can_be_started_by_a_link(self):
+    def test_the_prompt_can_be_started_by_a_link(self) -> None:
         link = self.folder / "link"
         link.symlink_to(self.bin / "serdes-prompt")
         self.check_editor_arguments(link, self.bin / "serdes", self.tree / "share/serdes/words")
