@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """The Debian packages, installed, run and removed in a root of their own.
 
-ROOT is the folder of that root, with rlwrap and what the packages depend on; PACKAGES is the folder of the packages.
+ROOT is the folder of that root, with rlwrap and what the packages depend on; PACKAGES is the folder of the packages, those
+for ARCHITECTURE among them.
 Runs as root, where mounts and processes are let go of afterwards: scripts/test-package sees to that.
 """
 import gzip
@@ -57,7 +58,7 @@ def check(*arguments, **more):
 
 
 def deb(name):
-    (file,) = PACKAGES.glob(f"{name}_[0-9]*.deb")
+    (file,) = PACKAGES.glob(f"{name}_[0-9]*_{os.environ['ARCHITECTURE']}.deb")
     return file
 
 

@@ -63,7 +63,7 @@ class SwitchBuild(unittest.TestCase):
     def build(self) -> None:
         done = configure(self.libraries)
         self.assertEqual(done.returncode, 0, done.stdout)
-        done = build_step("--build", BUILD, "--target", "serdes")
+        done = build_step("--build", BUILD, "--target", "serdes", "command_texts")
         self.assertEqual(done.returncode, 0, done.stdout)
 
     def check_dynamic_section(self) -> None:
@@ -74,6 +74,11 @@ class SwitchBuild(unittest.TestCase):
         self.assertLessEqual({re.sub(r"\.so.*", "", name) for name in needed[3:]}, {"libm", "libc"})
         self.assertNotRegex(dynamic, r"\((RUNPATH|RPATH)\)")
 
+    def check_texts(self) -> None:
+        """The manual and the words are made without a platform."""
+        self.assertIn(".It Ic setFFE ", (BUILD / "packaging/serdes.8").read_text(encoding="ascii"))
+        self.assertIn("setFFE\n", (BUILD / "packaging/words").read_text(encoding="ascii"))
+
     def check_foreign_platform(self) -> None:
         done = run(FOREIGN, FOREIGN_CASE / "script")
         self.assertEqual((done.stderr, done.returncode), (b"", 0))
@@ -83,6 +88,7 @@ class SwitchBuild(unittest.TestCase):
         self.copy_from(FOREIGN)
         self.build()
         self.check_dynamic_section()
+        self.check_texts()
         self.check_foreign_platform()
 
     def test_libraries_with_sonames_and_another_platform_at_run_time(self) -> None:
