@@ -5,11 +5,8 @@
 #include <cstdio>
 #include <span>
 
-#include "arguments/argument_parsers.h"
 #include "arguments/cmd_status.h"
-#include "commands/rx_eq.h"
-#include "commands/tx_eq.h"
-#include "display/name_tables.h"
+#include "arguments/keywords.h"
 #include "shell/command_reader.h"
 #include "shell/command_table.cc"
 
@@ -22,12 +19,6 @@ constexpr auto kRows = [] {
     row.handler = nullptr;
   return rows;
 }();
-
-// The keywords that no name table lists.
-constexpr std::array kPortKeywords = {"all", "gl", "xg", "exg"};
-constexpr std::array kInterfaceKeywords = {"asic", "system", "network"};
-
-using Names = std::span<const char* const>;
 
 // A string in quotes. The table's texts are ASCII.
 void printText(const char* text) {
@@ -66,24 +57,14 @@ void printCommands() {
   std::printf("\n  ],\n");
 }
 
-// The names that `parse` takes: some tables hold a name that is only printed.
-template <typename Value>
-void printKeywords(const char* kind, Names names, CmdStatus (*parse)(const char*, Value&), const char* end = ",\n") {
+void printKeywords(const char* kind, const KeywordSet& set, const char* end = ",\n") {
   std::printf("    \"%s\": [", kind);
   const char* separator = "";
-  for (const char* name : names) {
-    if (Value value{}; parse(name, value) != CMD_OK) continue;
-    std::printf("%s\"%s\"", separator, name);
+  for (const ValueName& value : set.names) {
+    std::printf("%s\"%s\"", separator, value.name);
     separator = ", ";
   }
   std::printf("]%s", end);
-}
-
-CmdStatus parsePortKeyword(const char* keyword, std::uint32_t& mask) {
-  std::array<char, 8> word{};
-  (void)std::snprintf(word.data(), word.size(), "%s", keyword);
-  char* words[] = {word.data()};
-  return parsePortList(1, words, mask, 1, 0, 0);
 }
 
 const char* statusName(CmdStatus status) {
@@ -141,12 +122,12 @@ int main(int argc, char* argv[]) {
               static_cast<unsigned>(kMaxPorts), static_cast<unsigned>(kMaxCores));
   printCommands();
   std::printf("  \"keywords\": {\n");
-  printKeywords("ports", kPortKeywords, parsePortKeyword);
-  printKeywords("rates", rateNames, parseRate);
-  printKeywords("interfaces", kInterfaceKeywords, parseInterface);
-  printKeywords("ffeModes", ffeModeNames, parseFFEMode);
-  printKeywords("slewRates", slewRateNames, parseSlewRate);
-  printKeywords("dfeModes", dfeModeNames, parseDfeMode, "\n");
+  printKeywords("ports", portKeywords);
+  printKeywords("rates", rateKeywords);
+  printKeywords("interfaces", interfaceKeywords);
+  printKeywords("ffeModes", ffeModeKeywords);
+  printKeywords("slewRates", slewRateKeywords);
+  printKeywords("dfeModes", dfeModeKeywords, "\n");
   std::printf("  },\n");
   printStatuses();
   std::printf("}\n");
