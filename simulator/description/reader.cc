@@ -54,11 +54,7 @@ Channel readChannel(const TomlTable& table) {
 }
 
 constexpr auto kClockKeys = std::to_array<Key<ClockDescription>>({
-    {"kind",
-     [](auto& value, auto& clock) {
-       constexpr auto kKinds = std::to_array<Choice>({{"monotonic", 0}, {"virtual", 1}});
-       clock.isVirtual = value.choice(kKinds) == 1;
-     }},
+    {"kind", [](auto& value, auto& clock) { clock.isVirtual = value.choice(kClockWords) == 1; }},
     {"step", [](auto& value, auto& clock) { value.store(clock.step, 1, kMaxClockStep); }},
 });
 

@@ -15,7 +15,7 @@ using Rx = SerDesRxRateParams;
 struct SettingsKey {
   std::string_view name;
   // What a SerDes says to the settings of the group that the key belongs to; nothing says anything to "raw".
-  int (*judge)(const SerDesTraits&, const Settings&) = nullptr;
+  int (*judge)(const SerDesTraits&, RegisterFile&, const Settings&) = nullptr;
   std::int32_t Tx::*tx = nullptr;
   std::int32_t Rx::*rx = nullptr;
   std::span<const Choice> words = {};  // for the numbers
@@ -42,31 +42,25 @@ constexpr auto kSlewWords = std::to_array<Choice>({{"24", SLEW_24PS},
                                                    {"75", SLEW_75PS},
                                                    {"100", SLEW_100PS}});
 
-// Each sets a group of settings in registers that nobody looks at.
-int judgeFfe(const SerDesTraits& traits, const Settings& s) {
-  RegisterFile registers{};
+// Each sets a group of settings as a switch does.
+int judgeFfe(const SerDesTraits& traits, RegisterFile& registers, const Settings& s) {
   const FfeSettings ffe = {
       .mode = static_cast<std::uint32_t>(s.tx.mode), .k = s.tx.power, .c = {s.tx.p0, s.tx.p1, s.tx.p2, s.tx.p3}};
   return setFfe(traits, registers, ffe);
 }
-int judgeSlew(const SerDesTraits& traits, const Settings& s) {
-  RegisterFile registers{};
+int judgeSlew(const SerDesTraits& traits, RegisterFile& registers, const Settings& s) {
   return setSlew(traits, registers, true, static_cast<std::uint32_t>(s.tx.slew));
 }
-int judgeDfe(const SerDesTraits& traits, const Settings& s) {
-  RegisterFile registers{};
+int judgeDfe(const SerDesTraits& traits, RegisterFile& registers, const Settings& s) {
   return setDfe(traits, registers, static_cast<std::uint32_t>(s.rx.mode));
 }
-int judgeVga(const SerDesTraits& traits, const Settings& s) {
-  RegisterFile registers{};
+int judgeVga(const SerDesTraits& traits, RegisterFile& registers, const Settings& s) {
   return setVga(traits, registers, {.pole = s.rx.p0, .peak = s.rx.p1, .amax = s.rx.p2});
 }
-int judgeDrive(const SerDesTraits& traits, const Settings& s) {
-  RegisterFile registers{};
+int judgeDrive(const SerDesTraits& traits, RegisterFile& registers, const Settings& s) {
   return setDriveLevel(traits, registers, s.tx.power, s.tx.p0);
 }
-int judgeEqualiser(const SerDesTraits& traits, const Settings& s) {
-  RegisterFile registers{};
+int judgeEqualiser(const SerDesTraits& traits, RegisterFile& registers, const Settings& s) {
   return setEqualiser(traits, registers, s.rx.mode, s.rx.p0);
 }
 
@@ -109,7 +103,8 @@ int judge(const SettingsKey& key, const SerDesTraits& traits, Settings settings)
   } else {
     key.in(alone) = key.in(settings);
   }
-  return key.judge(traits, alone);
+  RegisterFile unseen{};
+  return key.judge(traits, unseen, alone);
 }
 
 // What a SerDes takes for a key.

@@ -42,7 +42,7 @@ std::optional<Stray> findStray(std::string_view text) {
         i += end.size() - 1;
       }
       if (c == '#') end = "\n";
-      if (c == '=' || c == ',' || c == '\n') dots = 0;
+      if (c == '=' || c == ',' || c == '#' || c == '\n') dots = 0;
       if (c == '.' && ++dots > kMostDots) return Stray{i, "a key of too many parts"};
     } else if (c == '\\' && end.front() == '"') {
       if (rest.size() > 1 && static_cast<unsigned char>(rest[1]) < 0x80) ++i;

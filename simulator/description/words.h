@@ -20,6 +20,7 @@ inline constexpr auto kSpeedWords = std::to_array<Choice>({{"AUTO", SPEED_AUTO},
 // The speeds a port or a medium can run at: all but AUTO.
 inline constexpr std::span<const Choice> kFixedSpeedWords = std::span(kSpeedWords).subspan<1>();
 
+inline constexpr auto kClockWords = std::to_array<Choice>({{"monotonic", 0}, {"virtual", 1}});
 inline constexpr auto kPortTypeWords =
     std::to_array<Choice>({{"GL", kPortTypeGl}, {"XG", kPortTypeXg}, {"EXG", kPortTypeExg}});
 inline constexpr auto kMediaWords = std::to_array<Choice>({{"none", MEDIA_NONE},
