@@ -52,5 +52,19 @@ TEST(MonotonicClock, ContinuesFromWhereItIsPut) {
   EXPECT_LT(clock.now(), 5'600'000'000U);
 }
 
+TEST(MonotonicClock, LeavesOutWhatPassedBeforeItContinues) {
+  using Time = std::chrono::steady_clock;
+  Clock clock({});
+  const Time::time_point made = Time::now();
+  // What a switch takes to be built and a state to be read.
+  while (Time::now() - made < std::chrono::milliseconds(2)) {
+  }
+  const Time::time_point before = Time::now();
+  clock.continueFrom(1'000'000);
+  clock.tick();
+  const auto passed = std::chrono::ceil<std::chrono::microseconds>(Time::now() - before);
+  EXPECT_LE(clock.now() - 1'000'000, static_cast<std::uint64_t>(passed.count()));
+}
+
 }  // namespace
 }  // namespace simulator
