@@ -19,238 +19,293 @@ constexpr std::array<SpeedSet, kMediaWords.size()> kMediaSpeeds = {
     kAllSpeeds, speedBit(SPEED_10G), speedBit(SPEED_1G),
 };
 
-// A port while its entries are read: what later entries may still change the meaning of.
+// A core while its entries are read.
+struct CoreDraft {
+  CoreDescription core;
+  bool described = false;
+  bool hasFirstPort = false;
+};
+
+// Settings that a port uses, and where it says so.
+struct Use {
+  const NamedSettings* named;
+  TomlValue where;
+};
+
+// A port while its entries are read: what later entries may still change the meaning of, and where it was said.
 struct PortDraft {
   PortDescription port;
   bool described = false;
+  const Library* library = nullptr;
+  unsigned index = 0;
+  unsigned position = 0;      // in the entry's run
+  unsigned portsPerCore = 0;  // of the entry
+  bool isMisplaced = false;
   std::optional<SpeedSet> mediaSpeeds;
+  std::optional<TomlValue> placed, userPort, farEnd;
+  std::array<std::optional<Use>, kSpeeds> caches;
+  std::optional<Use> live, partner;
 };
 
-void setPortType(PortDescription& port, std::uint32_t portType) {
-  port.portType = portType;
-  const bool isEthernet = portType == kPortTypeExg;
-  port.speeds = isEthernet ? kExgSpeeds : portType == kPortTypeXg ? kXgSpeeds : kGlSpeeds;
-  port.media = isEthernet ? MEDIA_10G_ETHERNET : portType == kPortTypeXg ? MEDIA_COPPER_PASSIVE : MEDIA_OPTICAL;
-  port.rxLinks = port.txLinks = portType == kPortTypeXg ? kMaxLinks : 1;
+void setType(const TomlValue& value, CoreDescription& core) {
+  value.store(core.type, 0, kSerDesTypes - 1);
+  const SerDesTraits& traits = serDesTraits(core.type);
+  core.pllRegisters = traits.pll.count;
+  core.rxRegisters = traits.rx.count;
+  core.txRegisters = traits.tx.count;
+  core.rxParams = traits.rxParamCount;
+  core.txParams = traits.txParamCount;
+}
+
+constexpr auto kCoreKeys = std::to_array<Key<CoreDraft>>({
+    {"cores"},
+    {"type", [](auto& value, auto& draft) { setType(value, draft.core); }},
+    {"pll_registers", [](auto& value, auto& draft) { value.store(draft.core.pllRegisters, 0, kMaxRegisters); }},
+    {"rx_registers", [](auto& value, auto& draft) { value.store(draft.core.rxRegisters, 0, kMaxRegisters); }},
+    {"tx_registers", [](auto& value, auto& draft) { value.store(draft.core.txRegisters, 0, kMaxRegisters); }},
+    {"rx_params", [](auto& value, auto& draft) { value.store(draft.core.rxParams, 0, 255); }},
+    {"tx_params", [](auto& value, auto& draft) { value.store(draft.core.txParams, 0, 255); }},
+    {"first_port",
+     [](auto& value, auto& draft) {
+       value.store(draft.core.firstPort, 0, UINT16_MAX);
+       draft.hasFirstPort = true;
+     }},
+    {"temperature", [](auto& value, auto& draft) { value.store(draft.core.temperature, -55, 125); }},
+});
+
+void setKind(const TomlValue& value, PortDraft& draft) {
+  PortDescription& port = draft.port;
+  port.portType = value.choice(kPortTypeWords);
+  const bool isEthernet = port.portType == kPortTypeExg;
+  const bool isXg = port.portType == kPortTypeXg;
+  port.speeds = isEthernet ? kExgSpeeds : isXg ? kXgSpeeds : kGlSpeeds;
+  port.media = isEthernet ? MEDIA_10G_ETHERNET : isXg ? MEDIA_COPPER_PASSIVE : MEDIA_OPTICAL;
+  port.rxLinks = port.txLinks = isXg ? kMaxLinks : 1;
   port.caches.fill(isEthernet ? kPlainEthernetSettings : kPlainSettings);
   port.partner = {.tx = port.caches[0].tx, .speeds = port.speeds};
+  draft.placed = value;
+  draft.caches.fill({});
+  draft.partner.reset();
 }
 
-// The settings that a key names; ports of one kind cannot use those of the other.
-const Settings& namedSettings(const TomlTable& table, std::string_view key, const std::string& name,
-                              const Library& library, const PortDescription& port) {
-  const NamedSettings& named = lookUp(table, key, library.settings, name, "settings");
-  if (named.isEthernet != (port.portType == kPortTypeExg)) {
-    table.fail(key, '"' + name + "\" is for " + (named.isEthernet ? "ethernet ports" : "fibre-channel ports"));
-  }
-  return named.settings;
+void setUserPort(const TomlValue& value, PortDraft& draft) {
+  // A run of ports has a run of user ports; -1 stands for none.
+  const std::int64_t first = value.integer(-1, kNoUserPort - 1);
+  if (first + draft.position >= kNoUserPort) value.fail("the run of user ports ends beyond 65534");
+  draft.port.userPort = first < 0 ? kNoUserPort : static_cast<std::uint16_t>(first + draft.position);
+  draft.userPort = value;
 }
 
-void readCaches(TomlTable& table, const Library& library, PortDescription& port) {
-  if (!table.has("cache")) return;
-  if (table.isText("cache")) {
-    port.caches.fill(namedSettings(table, "cache", *table.text("cache"), library, port));
-    return;
-  }
-  TomlTable caches = *table.table("cache");
-  for (const Choice& speed : kFixedSpeedWords) {
-    if (const auto name = caches.text(speed.word)) {
-      port.caches[speed.value] = namedSettings(caches, speed.word, *name, library, port);
-    }
-  }
-  caches.finish();
+// One core serves the whole run, or each so many ports of it.
+unsigned coreAt(const TomlValue& value, PortDraft& draft) {
+  draft.placed = value;
+  const auto first = static_cast<unsigned>(value.integer(0, kMaxCores - 1));
+  return draft.portsPerCore == 0 ? first : first + draft.position / draft.portsPerCore;
 }
 
-void readPartner(TomlTable& table, const Library& library, PortDescription& port) {
-  std::optional<TomlTable> partner = table.table("partner");
-  if (!partner) return;
-  port.farEnd = FarEnd::kPartner;
-  if (const auto name = partner->text("settings")) {
-    port.partner.tx = namedSettings(*partner, "settings", *name, library, port).tx;
-  }
-  store(port.partner.speed, partner->choice("speed", kSpeedWords));
-  store(port.partner.speeds, partner->choiceSet("speeds", kFixedSpeedWords));
-  store(port.partner.sends, partner->boolean("sends"));
-  store(port.partner.pattern, partner->integer("pattern", 0, 3));
-  partner->finish();
-}
-
-void readFarEnd(TomlTable& table, unsigned index, unsigned position, PortDescription& port) {
-  if (!table.has("far_end")) return;
-  if (table.has("partner")) table.fail("far_end", "says where a cable ends, and so does partner");
-  if (!table.isText("far_end")) {
-    port.farPort = static_cast<unsigned>(*table.integer("far_end", 0, kMaxPorts - 1)) + position;
+void setFarEnd(const TomlValue& value, PortDraft& draft) {
+  PortDescription& port = draft.port;
+  draft.farEnd = value;
+  if (!value.isText()) {
+    value.store(port.farPort, 0, kMaxPorts - 1);
+    port.farPort += draft.position;
     port.farEnd = FarEnd::kPort;
     return;
   }
   enum : std::uint32_t { kWordNothing, kWordLoop, kWordPair };
   constexpr auto kWords = std::to_array<Choice>({{"nothing", kWordNothing}, {"loop", kWordLoop}, {"pair", kWordPair}});
-  const std::uint32_t word = *table.choice("far_end", kWords);
+  const std::uint32_t word = value.choice(kWords);
   port.farEnd = word == kWordNothing ? FarEnd::kNothing : FarEnd::kPort;
-  port.farPort = word == kWordPair ? index ^ 1U : index;
+  port.farPort = word == kWordPair ? draft.index ^ 1U : draft.index;
 }
 
-void readLinks(TomlTable& table, unsigned position, PortDescription& port) {
-  if (const auto links = table.integer("links", 0, kMaxLinks)) {
-    port.rxLinks = port.txLinks = static_cast<unsigned>(*links);
-  }
-  store(port.rxLinks, table.integer("rx_links", 0, kMaxLinks));
-  store(port.txLinks, table.integer("tx_links", 0, kMaxLinks));
-  // One core serves the whole run, or each so many ports of it.
-  const auto portsPerCore = static_cast<unsigned>(table.integer("ports_per_core", 1, kMaxPorts).value_or(kMaxPorts));
-  const unsigned step = position / portsPerCore;
-  if (const auto core = table.integer("core", 0, kMaxCores - 1)) {
-    port.rxCore = port.txCore = static_cast<unsigned>(*core) + step;
-  }
-  if (const auto core = table.integer("rx_core", 0, kMaxCores - 1)) port.rxCore = static_cast<unsigned>(*core) + step;
-  if (const auto core = table.integer("tx_core", 0, kMaxCores - 1)) port.txCore = static_cast<unsigned>(*core) + step;
+Use useOf(const TomlValue& value, const PortDraft& draft) {
+  return {&lookUp(value, draft.library->settings, "settings"), value};
 }
 
-void readUserPort(TomlTable& table, unsigned position, PortDescription& port) {
-  // A run of ports has a run of user ports; -1 stands for none.
-  const auto userPort = table.integer("user_port", -1, kNoUserPort - 1);
-  if (!userPort) return;
-  if (*userPort + position >= kNoUserPort) table.fail("user_port", "the run of user ports ends beyond 65534");
-  port.userPort = *userPort < 0 ? kNoUserPort : static_cast<std::uint16_t>(*userPort + position);
+constexpr auto kPartnerKeys = std::to_array<Key<PortDraft>>({
+    {"settings",
+     [](auto& value, auto& draft) {
+       draft.partner = useOf(value, draft);
+       draft.port.partner.tx = draft.partner->named->settings.tx;
+     }},
+    {"speed", [](auto& value, auto& draft) { draft.port.partner.speed = value.choice(kSpeedWords); }},
+    {"speeds", [](auto& value, auto& draft) { draft.port.partner.speeds = value.choiceSet(kFixedSpeedWords); }},
+    {"sends", [](auto& value, auto& draft) { draft.port.partner.sends = value.boolean(); }},
+    {"pattern", [](auto& value, auto& draft) { value.store(draft.port.partner.pattern, 0, 3); }},
+});
+
+void setCaches(const TomlValue& value, PortDraft& draft) {
+  std::optional<TomlTable> table;
+  if (!value.isText()) table = value.table();
+  if (table) table->allow(kFixedSpeedWords);
+  for (const Choice& speed : kFixedSpeedWords) {
+    const auto name = table ? table->find(speed.name) : value;
+    if (!name) continue;
+    draft.caches[speed.value] = useOf(*name, draft);
+    draft.port.caches[speed.value] = draft.caches[speed.value]->named->settings;
+  }
 }
 
-// One port of an entry; `position` is its place in the entry's run.
-void readPort(TomlTable& table, const Library& library, unsigned index, unsigned position, PortDraft& draft) {
-  PortDescription& port = draft.port;
-  const auto portType = table.choice("kind", kPortTypeWords);
-  if (portType) setPortType(port, *portType);
-  if (!portType && !draft.described)
-    table.fail("kind", "the first entry of port " + std::to_string(index) + " needs it");
-  draft.described = true;
-  if (const auto shown = table.integer("port_type", 0, UINT32_MAX)) {
-    port.shownType = static_cast<std::uint32_t>(*shown);
+constexpr auto kPortKeys = std::to_array<Key<PortDraft>>({
+    {"ports"},
+    {"kind", setKind},
+    {"port_type", [](auto& value, auto& draft) { value.store(draft.port.shownType.emplace(), 0, UINT32_MAX); }},
+    {"present", [](auto& value, auto& draft) { draft.port.present = value.boolean(); }},
+    {"user_port", setUserPort},
+    {"links",
+     [](auto& value, auto& draft) {
+       value.store(draft.port.rxLinks, 0, kMaxLinks);
+       draft.port.txLinks = draft.port.rxLinks;
+     }},
+    {"rx_links", [](auto& value, auto& draft) { value.store(draft.port.rxLinks, 0, kMaxLinks); }},
+    {"tx_links", [](auto& value, auto& draft) { value.store(draft.port.txLinks, 0, kMaxLinks); }},
+    {"ports_per_core", [](auto& value, auto& draft) { value.store(draft.portsPerCore, 1, kMaxPorts); }},
+    {"core", [](auto& value, auto& draft) { draft.port.rxCore = draft.port.txCore = coreAt(value, draft); }},
+    {"rx_core", [](auto& value, auto& draft) { draft.port.rxCore = coreAt(value, draft); }},
+    {"tx_core", [](auto& value, auto& draft) { draft.port.txCore = coreAt(value, draft); }},
+    {"misplaced", [](auto& value, auto& draft) { draft.isMisplaced = value.boolean(); }},
+    {"media", [](auto& value, auto& draft) { draft.port.media = value.choice(kMediaWords); }},
+    {"media_speeds", [](auto& value, auto& draft) { draft.mediaSpeeds = value.choiceSet(kFixedSpeedWords); }},
+    {"speeds", [](auto& value, auto& draft) { draft.port.speeds = value.choiceSet(kFixedSpeedWords); }},
+    {"channel",
+     [](auto& value, auto& draft) {
+       draft.port.channel = lookUp(value, draft.library->channels, "channels");
+     }},
+    {"far_end", setFarEnd},
+    {"partner",
+     [](auto& value, auto& draft) {
+       draft.port.farEnd = FarEnd::kPartner;
+       value.table().read(kPartnerKeys, draft);
+     }},
+    {"speed", [](auto& value, auto& draft) { draft.port.speed = value.choice(kSpeedWords); }},
+    {"sends", [](auto& value, auto& draft) { draft.port.sends = value.boolean(); }},
+    {"load", [](auto& value, auto& draft) { value.store(draft.port.loadPercent, 0, 100); }},
+    {"cache", setCaches},
+    {"live",
+     [](auto& value, auto& draft) {
+       draft.live = useOf(value, draft);
+       draft.port.live = draft.live->named->settings;
+     }},
+});
+
+void readEntry(const TomlTable& table, unsigned, unsigned, CoreDraft& draft) {
+  table.read(kCoreKeys, draft);
+}
+
+void readEntry(const TomlTable& table, unsigned index, unsigned position, PortDraft& draft) {
+  draft.index = index;
+  draft.position = position;
+  draft.portsPerCore = 0;
+  if (table.has("far_end") && table.has("partner")) {
+    table.fail("far_end", "says where a cable ends, and so does partner");
   }
-  store(port.present, table.boolean("present"));
-  readUserPort(table, position, port);
-  readLinks(table, position, port);
-  store(port.media, table.choice("media", kMediaWords));
-  if (const auto speeds = table.choiceSet("media_speeds", kFixedSpeedWords)) draft.mediaSpeeds = speeds;
-  store(port.speeds, table.choiceSet("speeds", kFixedSpeedWords));
-  if (const auto name = table.text("channel")) {
-    port.channel = lookUp(table, "channel", library.channels, *name, "channels");
-  }
-  readFarEnd(table, index, position, port);
-  readPartner(table, library, port);
-  store(port.speed, table.choice("speed", kSpeedWords));
+  table.read(kPortKeys, draft);
+  const PortDescription& port = draft.port;
   if (port.speed != SPEED_AUTO && (port.speeds & speedBit(port.speed)) == 0) {
     table.fail("speed", "is not among the speeds of port " + std::to_string(index));
   }
-  store(port.sends, table.boolean("sends"));
-  store(port.loadPercent, table.integer("load", 0, 100));
-  readCaches(table, library, port);
-  if (const auto name = table.text("live")) port.live = namedSettings(table, "live", *name, library, port);
+}
+
+// The entries of an ASIC's "cores" or "ports", which name under that key those that they speak for. The first entry of
+// each has to have the key `first`.
+template <typename Draft, typename Keys>
+std::vector<Draft> readEntries(const TomlTable& asic, const std::string& plural, unsigned most, const Keys& keys,
+                               const char* first, const Draft& fresh) {
+  const std::string one = plural.substr(0, plural.size() - 1) + ' ';
+  std::vector<Draft> drafts;
+  for (const TomlTable& table : asic.tables(plural)) {
+    table.allow(keys);
+    const std::vector<unsigned> indexes =
+        table.need(plural, "says which " + plural + " the entry is about, and is missing").indexes(most - 1);
+    for (unsigned position = 0; position < indexes.size(); ++position) {
+      const unsigned index = indexes[position];
+      if (index >= drafts.size()) drafts.resize(index + 1, fresh);
+      if (!drafts[index].described)
+        (void)table.need(first, "the first entry of " + one + std::to_string(index) + " needs it");
+      drafts[index].described = true;
+      readEntry(table, index, position, drafts[index]);
+    }
+  }
+  const auto gap = std::find_if(drafts.begin(), drafts.end(), [](const Draft& draft) { return !draft.described; });
+  if (gap != drafts.end()) asic.fail(plural, "no entry for " + one + std::to_string(gap - drafts.begin()));
+  return drafts;
 }
 
 // A cable has two ends: both ports name each other, or one port itself.
-void checkCables(const TomlTable& table, const std::vector<PortDescription>& ports) {
-  for (std::size_t i = 0; i < ports.size(); ++i) {
-    if (ports[i].farEnd != FarEnd::kPort) continue;
-    const unsigned far = ports[i].farPort;
-    if (far >= ports.size() || ports[far].farEnd != FarEnd::kPort || ports[far].farPort != i) {
-      table.fail("ports", "the cable of port " + std::to_string(i) + " leads to port " + std::to_string(far) +
-                              ", which does not lead back");
-    }
+void checkCable(const std::vector<PortDraft>& drafts, unsigned index) {
+  const PortDraft& draft = drafts[index];
+  if (draft.port.farEnd != FarEnd::kPort) return;
+  const unsigned far = draft.port.farPort;
+  if (far < drafts.size() && drafts[far].port.farEnd == FarEnd::kPort && drafts[far].port.farPort == index) return;
+  draft.farEnd->fail("the cable of port " + std::to_string(index) + " leads to port " + std::to_string(far) +
+                     ", which does not lead back");
+}
+
+void judgeUse(const std::optional<Use>& use, SerDesLinkType side, unsigned serDesType, bool isEthernet) {
+  if (!use) return;
+  if (use->named->isEthernet != isEthernet) {
+    use->where.fail(quoted(use->named->name) + " is for " + (isEthernet ? "fibre-channel ports" : "ethernet ports"));
+  }
+  if (serDesTraits(serDesType).isEthernet == isEthernet) judgeSettings(*use->named, side, serDesType, use->where);
+}
+
+// The core of one side exists, and its SerDes serve ports of this kind and take its settings. A core without a first
+// port of its own gets the lowest that it serves.
+void joinWithCore(PortDraft& draft, SerDesLinkType side, std::vector<CoreDraft>& cores) {
+  const unsigned index = side == SERDES_LINK_RX ? draft.port.rxCore : draft.port.txCore;
+  const auto fail = [&](const std::string& what) {
+    draft.placed->fail("port " + std::to_string(draft.index) + " is on core " + std::to_string(index) + ", " + what);
+  };
+  if (index >= cores.size()) fail("which has no entry");
+  CoreDraft& core = cores[index];
+  const bool isEthernet = draft.port.portType == kPortTypeExg;
+  const bool servesEthernet = serDesTraits(core.core.type).isEthernet;
+  if (isEthernet != servesEthernet && !draft.isMisplaced) {
+    fail("whose SerDes type " + std::to_string(core.core.type) + " serves " +
+         (servesEthernet ? "EXG ports only" : "GL and XG ports only") + "; misplaced = true allows it");
+  }
+  if (!core.hasFirstPort) core.core.firstPort = draft.index;
+  core.hasFirstPort = true;
+  for (const std::optional<Use>& use : draft.caches)
+    judgeUse(use, side, core.core.type, isEthernet);
+  judgeUse(draft.live, side, core.core.type, isEthernet);
+  if (side == SERDES_LINK_TX) judgeUse(draft.partner, side, core.core.type, isEthernet);
+}
+
+void checkUserPort(const PortDraft& draft, unsigned asic, UserPorts& userPorts) {
+  if (draft.port.userPort == kNoUserPort) return;
+  const std::string whose = "port " + std::to_string(draft.index) + " of ASIC " + std::to_string(asic);
+  const auto [taken, isNew] = userPorts.emplace(draft.port.userPort, whose);
+  if (!isNew) {
+    draft.userPort->fail("user port " + std::to_string(draft.port.userPort) + " of " + whose + " is that of " +
+                         taken->second + " too");
   }
 }
 
-void readCore(TomlTable& table, CoreDescription& core, bool isFirst) {
-  if (const auto type = table.integer("type", 0, kSerDesTypes - 1)) {
-    const SerDesTraits& traits = serDesTraits(static_cast<unsigned>(*type));
-    core = {.type = static_cast<unsigned>(*type),
-            .pllRegisters = traits.pll.count,
-            .rxRegisters = traits.rx.count,
-            .txRegisters = traits.tx.count,
-            .rxParams = traits.rxParamCount,
-            .txParams = traits.txParamCount,
-            .firstPort = core.firstPort,
-            .temperature = core.temperature};
-  } else if (isFirst) {
-    table.fail("type", "the first entry of a core needs it");
-  }
-  store(core.pllRegisters, table.integer("pll_registers", 0, kMaxRegisters));
-  store(core.rxRegisters, table.integer("rx_registers", 0, kMaxRegisters));
-  store(core.txRegisters, table.integer("tx_registers", 0, kMaxRegisters));
-  store(core.rxParams, table.integer("rx_params", 0, 255));
-  store(core.txParams, table.integer("tx_params", 0, 255));
-  store(core.firstPort, table.integer("first_port", 0, UINT16_MAX));
-  store(core.temperature, table.integer("temperature", -55, 125));
-}
-
-std::vector<CoreDescription> readCores(TomlTable& asic, std::vector<bool>& hasFirstPort) {
-  std::vector<CoreDescription> cores;
-  std::vector<bool> described;
-  for (TomlTable& table : asic.tables("cores")) {
-    const auto indexes = table.indexes("cores", kMaxCores - 1);
-    if (!indexes) table.fail("cores", "says which cores the entry is about, and is missing");
-    for (const unsigned index : *indexes) {
-      if (index >= cores.size()) {
-        cores.resize(index + 1);
-        described.resize(index + 1);
-        hasFirstPort.resize(index + 1);
-      }
-      readCore(table, cores[index], !described[index]);
-      described[index] = true;
-      if (table.has("first_port")) hasFirstPort[index] = true;
-    }
-    table.finish();
-  }
-  const auto gap = std::find(described.begin(), described.end(), false);
-  if (gap != described.end()) asic.fail("cores", "no entry for core " + std::to_string(gap - described.begin()));
-  return cores;
-}
-
-std::vector<PortDescription> readPorts(TomlTable& asic, const Library& library) {
-  std::vector<PortDraft> drafts;
-  for (TomlTable& table : asic.tables("ports")) {
-    const auto indexes = table.indexes("ports", kMaxPorts - 1);
-    if (!indexes) table.fail("ports", "says which ports the entry is about, and is missing");
-    for (unsigned position = 0; position < indexes->size(); ++position) {
-      const unsigned index = (*indexes)[position];
-      if (index >= drafts.size()) drafts.resize(index + 1);
-      readPort(table, library, index, position, drafts[index]);
-    }
-    table.finish();
-  }
-  std::vector<PortDescription> ports;
-  for (PortDraft& draft : drafts) {
-    if (!draft.described) asic.fail("ports", "no entry for port " + std::to_string(ports.size()));
-    draft.port.mediaSpeeds = draft.mediaSpeeds.value_or(kMediaSpeeds[draft.port.media]);
-    ports.push_back(draft.port);
-  }
-  return ports;
-}
-
-// Cores that ports name exist, and a core without a first port of its own gets the lowest that it serves.
-void joinPortsAndCores(const TomlTable& table, AsicDescription& asic, const std::vector<bool>& hasFirstPort) {
-  std::vector<bool> served(asic.cores.size());
-  for (unsigned i = 0; i < asic.ports.size(); ++i) {
-    for (const unsigned core : {asic.ports[i].rxCore, asic.ports[i].txCore}) {
-      if (core >= asic.cores.size()) {
-        table.fail("ports",
-                   "port " + std::to_string(i) + " is on core " + std::to_string(core) + ", which has no entry");
-      }
-      if (!served[core] && !hasFirstPort[core]) asic.cores[core].firstPort = i;
-      served[core] = true;
-    }
-  }
-}
+constexpr auto kAsicKeys = std::to_array<Key<AsicDescription>>({{"cores"}, {"ports"}});
 
 }  // namespace
 
-AsicDescription readAsic(TomlTable& table, const Library& library) {
-  AsicDescription asic;
-  std::vector<bool> hasFirstPort;
-  asic.cores = readCores(table, hasFirstPort);
-  asic.ports = readPorts(table, library);
-  checkCables(table, asic.ports);
-  joinPortsAndCores(table, asic, hasFirstPort);
-  table.finish();
-  return asic;
+AsicDescription readAsic(const TomlTable& table, const Library& library, unsigned asic, UserPorts& userPorts) {
+  table.allow(kAsicKeys);
+  auto cores = readEntries<CoreDraft>(table, "cores", kMaxCores, kCoreKeys, "type", {});
+  PortDraft fresh;
+  fresh.library = &library;
+  auto ports = readEntries(table, "ports", kMaxPorts, kPortKeys, "kind", fresh);
+  AsicDescription description;
+  for (unsigned i = 0; i < ports.size(); ++i) {
+    PortDraft& draft = ports[i];
+    checkCable(ports, i);
+    checkUserPort(draft, asic, userPorts);
+    for (const SerDesLinkType side : {SERDES_LINK_RX, SERDES_LINK_TX})
+      joinWithCore(draft, side, cores);
+    draft.port.mediaSpeeds = draft.mediaSpeeds.value_or(kMediaSpeeds[draft.port.media]);
+    description.ports.push_back(draft.port);
+  }
+  for (const CoreDraft& draft : cores)
+    description.cores.push_back(draft.core);
+  return description;
 }
 
 }  // namespace simulator

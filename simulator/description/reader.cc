@@ -1,7 +1,8 @@
-// The parts of a description that stand for themselves: switch, clock, settings, channels, faults.
-#include <fstream>
-#include <sstream>
-#include <utility>
+// The whole of a description, and the parts that stand for themselves: clock, type names, channels.
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
 
 #include "simulator/description/fingerprint.h"
 #include "simulator/description/words.h"
@@ -10,256 +11,131 @@
 namespace simulator {
 namespace {
 
-constexpr std::int64_t kAnyInt32Least = INT32_MIN;
-constexpr std::int64_t kAnyInt32Greatest = INT32_MAX;
+constexpr auto kEchoKeys = std::to_array<Key<Echo>>({
+    {"reflection", [](auto& value, auto& echo) { echo.reflection = value.number(-1, 1); }},
+    {"delay_ns", [](auto& value, auto& echo) { echo.delayNs = value.number(0, 100); }},
+});
 
-// Caches keep numbers whole, so settings may hold any; what a SerDes cannot take is judged when it is applied.
-template <typename T>
-void store32(T& target, TomlTable& table, std::string_view key) {
-  store(target, table.integer(key, kAnyInt32Least, kAnyInt32Greatest));
-}
+constexpr double kMostLoss = 1000;
 
-void readSlew(TomlTable& table, Settings& settings) {
-  const auto slew = table.integer("slew", 0, 100);
-  if (!slew) return;
-  for (std::size_t i = 0; i < kSlewPs.size(); ++i) {
-    if (kSlewPs[i] == *slew) {
-      settings.tx.slew = static_cast<std::int32_t>(i);
-      return;
-    }
-  }
-  table.fail("slew", "must be 24, 30, 36, 50, 60, 75 or 100");
-}
+constexpr auto kChannelKeys = std::to_array<Key<Channel>>({
+    {"a0", [](auto& value, auto& channel) { channel.a0 = value.number(-kMostLoss, kMostLoss); }},
+    {"a1", [](auto& value, auto& channel) { channel.a1 = value.number(-kMostLoss, kMostLoss); }},
+    {"a2", [](auto& value, auto& channel) { channel.a2 = value.number(-kMostLoss, kMostLoss); }},
+    {"a4", [](auto& value, auto& channel) { channel.a4 = value.number(-kMostLoss, kMostLoss); }},
+    {"jitter_ui", [](auto& value, auto& channel) { channel.randomJitterUi = value.number(0, 0.5); }},
+    {"crosstalk_db", [](auto& value, auto& channel) { channel.crosstalkDb = value.number(-100, 0); }},
+    {"echoes",
+     [](auto& value, auto& channel) {
+       for (const TomlTable& table : value.tables())
+         table.read(kEchoKeys, channel.echoes.emplace_back());
+     }},
+    {"fr4_inches",
+     [](auto& value, auto& channel) { channel = channel + fr4Trace(value.number(0, 200)); }},
+    {"board_mm", [](auto& value, auto& channel) { channel = channel + boardLine(value.number(0, 5000)); }},
+    {"copper_metres",
+     [](auto& value, auto& channel) { channel = channel + directAttachCopper(value.number(0, 50)); }},
+    {"optical_host_inches",
+     [](auto& value, auto& channel) { channel = channel + opticalModule(value.number(0, 100)); }},
+    {"connectors",
+     [](auto& value, auto& channel) {
+       for (std::int64_t i = value.integer(0, 10); i > 0; --i)
+         channel = channel + connector();
+     }},
+});
 
-void readFibreChannel(TomlTable& table, Settings& settings) {
-  settings = kPlainSettings;
-  store32(settings.tx.power, table, "power");
-  readSlew(table, settings);
-  store(settings.tx.mode, table.choice("ffe", kFfeWords));
-  if (const auto taps = table.integers("taps", kAnyInt32Least, kAnyInt32Greatest)) {
-    if (taps->size() != 4) table.fail("taps", "must be the four coefficients c0 to c3");
-    std::int32_t* const fields[] = {&settings.tx.p0, &settings.tx.p1, &settings.tx.p2, &settings.tx.p3};
-    for (std::size_t i = 0; i < taps->size(); ++i)
-      *fields[i] = static_cast<std::int32_t>((*taps)[i]);
-  }
-  store(settings.rx.mode, table.choice("dfe", kDfeWords));
-  store32(settings.rx.p0, table, "pole");
-  store32(settings.rx.p1, table, "peak");
-  store32(settings.rx.p2, table, "amax");
-}
-
-void readEthernet(TomlTable& table, Settings& settings) {
-  settings = kPlainEthernetSettings;
-  store32(settings.tx.power, table, "power");
-  store32(settings.tx.p0, table, "pre_emphasis");
-  store32(settings.rx.mode, table, "cdr_mode");
-  store32(settings.rx.p0, table, "eq_mode");
-}
-
-NamedSettings readSettings(TomlTable table) {
-  NamedSettings named;
-  named.isEthernet = table.has("pre_emphasis") || table.has("cdr_mode") || table.has("eq_mode");
-  if (named.isEthernet) {
-    readEthernet(table, named.settings);
-  } else {
-    readFibreChannel(table, named.settings);
-  }
-  table.finish();
-  return named;
-}
-
-void readEchoes(TomlTable& table, Channel& channel) {
-  for (TomlTable& entry : table.tables("echoes")) {
-    Echo echo;
-    store(echo.reflection, entry.number("reflection", -1, 1));
-    store(echo.delayNs, entry.number("delay_ns", 0, 100));
-    entry.finish();
-    channel.echoes.push_back(echo);
-  }
-}
-
-// A channel is the sum of its pieces.
-Channel readChannel(TomlTable table) {
-  constexpr double kMostLoss = 1000;
-  Channel own;
-  store(own.a0, table.number("a0", -kMostLoss, kMostLoss));
-  store(own.a1, table.number("a1", -kMostLoss, kMostLoss));
-  store(own.a2, table.number("a2", -kMostLoss, kMostLoss));
-  store(own.a4, table.number("a4", -kMostLoss, kMostLoss));
-  store(own.randomJitterUi, table.number("jitter_ui", 0, 0.5));
-  store(own.crosstalkDb, table.number("crosstalk_db", -100, 0));
-  readEchoes(table, own);
-  Channel channel = own;
-  if (const auto inches = table.number("fr4_inches", 0, 200)) channel = channel + fr4Trace(*inches);
-  if (const auto length = table.number("board_mm", 0, 5000)) channel = channel + boardLine(*length);
-  if (const auto metres = table.number("copper_metres", 0, 50)) channel = channel + directAttachCopper(*metres);
-  if (const auto inches = table.number("optical_host_inches", 0, 100)) channel = channel + opticalModule(*inches);
-  const auto connectors = table.integer("connectors", 0, 10).value_or(0);
-  for (std::int64_t i = 0; i < connectors; ++i)
-    channel = channel + connector();
+Channel readChannel(const TomlTable& table) {
+  Channel channel;
+  const double crosstalkOfNone = channel.crosstalkDb;
+  table.read(kChannelKeys, channel);
   // Each piece brings a crosstalk of its own, of which the greatest would count: the file's word is final.
-  channel.crosstalkDb = own.crosstalkDb;
-  table.finish();
+  const auto crosstalk = table.find("crosstalk_db");
+  channel.crosstalkDb = crosstalk ? crosstalk->number(-100, 0) : crosstalkOfNone;
   return channel;
 }
 
-bool isOutputOf(const OperationInfo& info, std::string_view output) {
-  for (const std::string_view name : info.outputs) {
-    if (name == output) return true;
-  }
-  return false;
-}
+constexpr auto kClockKeys = std::to_array<Key<ClockDescription>>({
+    {"kind", [](auto& value, auto& clock) { clock.isVirtual = value.choice(kClockWords) == 1; }},
+    {"step", [](auto& value, auto& clock) { value.store(clock.step, 1, kMaxClockStep); }},
+});
 
-FaultAnswer readAnswer(TomlTable table, Operation operation) {
-  FaultAnswer answer;
-  const auto output = table.text("output");
-  if (!output || !isOutputOf(operationInfo(operation), *output)) {
-    std::string names;
-    for (const std::string_view name : operationInfo(operation).outputs)
-      names += ' ' + std::string(name);
-    table.fail("output", names.empty() ? "the operation has no outputs" : "must be one of:" + names);
-  }
-  answer.output = *output;
-  if (operation == Operation::kToString) {
-    const auto text = table.text("text");
-    if (!text) table.fail("text", "is missing");
-    answer.text = *text;
-  } else {
-    const auto value = table.integer("value", INT64_MIN, INT64_MAX);
-    if (!value) table.fail("value", "is missing");
-    answer.value = *value;
-  }
-  table.finish();
-  return answer;
-}
-
-template <typename T>
-void storeOptional(std::optional<T>& target, const std::optional<std::int64_t>& value) {
-  if (value) target = static_cast<T>(*value);
-}
-
-// A fault on something that the operation does not address would never strike.
-void readCallSite(TomlTable& table, CallSite& where) {
-  storeOptional(where.asic, table.integer("asic", 0, UINT32_MAX));
-  storeOptional(where.port, table.integer("port", 0, UINT32_MAX));
-  storeOptional(where.link, table.integer("link", INT32_MIN, INT32_MAX));
-  storeOptional(where.core, table.integer("core", 0, UINT32_MAX));
-  const Addressed addressed = operationInfo(where.operation).addressed;
-  const auto check = [&](std::string_view key, bool known) {
-    if (table.has(key) && !known) table.fail(key, "the operation names no " + std::string(key));
-  };
-  check("asic", addressed.asic);
-  check("port", addressed.port);
-  check("link", addressed.link);
-  check("core", addressed.core);
-}
-
-FaultDescription readFault(TomlTable& table) {
-  FaultDescription fault;
-  const auto name = table.text("operation");
-  const auto operation = findOperation(name.value_or(""));
-  if (!operation) table.fail("operation", name ? "there is no operation \"" + *name + '"' : "is missing");
-  fault.where.operation = *operation;
-  readCallSite(table, fault.where);
-  store(fault.ordinal, table.integer("ordinal", 1, UINT32_MAX));
-  store(fault.always, table.boolean("always"));
-  if (const auto probability = table.number("probability", 0, 1)) {
-    fault.probability = static_cast<std::uint32_t>(*probability * kCertain + 0.5);
-  }
-  store(fault.code, table.integer("code", INT32_MIN, -1));
-  if (table.has("answer")) {
-    if (table.has("code")) table.fail("answer", "a fault has either a code or an answer");
-    fault.answer = readAnswer(*table.table("answer"), *operation);
-  }
-  table.finish();
-  return fault;
-}
-
-ClockDescription readClock(TomlTable& root) {
-  ClockDescription clock;
-  std::optional<TomlTable> table = root.table("clock");
-  if (!table) return clock;
-  constexpr auto kKinds = std::to_array<Choice>({{"monotonic", 0}, {"virtual", 1}});
-  clock.isVirtual = table->choice("kind", kKinds).value_or(0) == 1;
-  store(clock.step, table->integer("step", 1, kMaxClockStep));
-  table->finish();
-  return clock;
-}
-
-void readTypeNames(TomlTable& root, SwitchDescription& description) {
-  for (unsigned type = 0; type < kSerDesTypes; ++type)
-    description.typeNames[type] = serDesTraits(type).name;
-  const auto names = root.texts("type_names");
-  if (!names) return;
-  if (names->size() != kSerDesTypes) root.fail("type_names", "must be seven names, one for each SerDes type");
+void setTypeNames(const TomlValue& value, SwitchDescription& description) {
+  const std::vector<std::string> names = value.texts();
+  if (names.size() != kSerDesTypes) value.fail("must be seven names, one for each SerDes type");
   for (unsigned type = 0; type < kSerDesTypes; ++type) {
-    const std::string& name = (*names)[type];
-    if (name.size() > kMaxTypeName) root.fail("type_names", '"' + name + "\" is longer than 19 characters");
-    description.typeNames[type] = name;
+    if (names[type].size() > kMaxTypeName) value.fail(quoted(names[type]) + " is longer than 19 characters");
+    description.typeNames[type] = names[type];
   }
 }
 
-int countUserPorts(const SwitchDescription& description) {
-  int count = 0;
-  for (const AsicDescription& asic : description.asics) {
-    for (const PortDescription& port : asic.ports)
-      count += port.userPort != kNoUserPort ? 1 : 0;
-  }
-  return count;
-}
-
-SwitchDescription readRoot(const toml::table& parsed, const std::string& fileName) {
-  TomlTable root(parsed, "", fileName);
+struct Draft {
   SwitchDescription description;
   Library library;
-  if (auto sections = root.table("settings")) {
-    for (const std::string& name : sections->keys()) {
-      library.settings[name] = readSettings(*sections->table(name));
-    }
+};
+
+void setAsics(const TomlValue& value, Draft& draft) {
+  SwitchDescription& description = draft.description;
+  UserPorts userPorts;
+  for (const TomlTable& table : value.tables()) {
+    const auto asic = static_cast<unsigned>(description.asics.size());
+    if (asic == kMaxAsics) value.fail("there must be one or two");
+    description.asics.push_back(readAsic(table, draft.library, asic, userPorts));
   }
-  if (auto sections = root.table("channels")) {
-    for (const std::string& name : sections->keys())
-      library.channels[name] = readChannel(*sections->table(name));
-  }
-  readTypeNames(root, description);
-  description.clock = readClock(root);
-  store(description.seed, root.integer("seed", 0, UINT32_MAX));
-  for (TomlTable& asic : root.tables("asics"))
-    description.asics.push_back(readAsic(asic, library));
-  if (description.asics.empty() || description.asics.size() > kMaxAsics) {
-    root.fail("asics", "there must be one or two");
-  }
-  for (TomlTable& fault : root.tables("faults"))
-    description.faults.push_back(readFault(fault));
-  description.userPorts = countUserPorts(description);
-  store32(description.slots, root, "slots");
-  store32(description.userPorts, root, "user_ports");
-  store32(description.auxPorts, root, "aux_ports");
-  root.finish();
-  return description;
+  description.userPorts = static_cast<int>(userPorts.size());
 }
+
+// ASICs refer to what stands before them here, and faults to ASICs.
+constexpr auto kKeys = std::to_array<Key<Draft>>({
+    {"slots", [](auto& value, auto& draft) { value.store(draft.description.slots, INT32_MIN, INT32_MAX); }},
+    {"aux_ports", [](auto& value, auto& draft) { value.store(draft.description.auxPorts, INT32_MIN, INT32_MAX); }},
+    {"seed", [](auto& value, auto& draft) { value.store(draft.description.seed, 0, UINT32_MAX); }},
+    {"type_names", [](auto& value, auto& draft) { setTypeNames(value, draft.description); }},
+    {"clock", [](auto& value, auto& draft) { value.table().read(kClockKeys, draft.description.clock); }},
+    {"settings",
+     [](auto& value, auto& draft) {
+       const TomlTable sections = value.table();
+       for (const std::string& name : sections.keys())
+         draft.library.settings[name] = readSettings(sections.find(name)->table(), name);
+     }},
+    {"channels",
+     [](auto& value, auto& draft) {
+       const TomlTable sections = value.table();
+       for (const std::string& name : sections.keys())
+         draft.library.channels[name] = readChannel(sections.find(name)->table());
+     }},
+    {"asics", setAsics},
+    {"user_ports", [](auto& value, auto& draft) { value.store(draft.description.userPorts, INT32_MIN, INT32_MAX); }},
+    {"faults",
+     [](auto& value, auto& draft) { draft.description.faults = readFaults(value.tables(), draft.description.asics); }},
+});
 
 }  // namespace
 
 SwitchDescription readDescription(std::string_view text, const std::string& fileName) {
-  try {
-    const toml::table parsed = toml::parse(text, fileName);
-    SwitchDescription description = readRoot(parsed, fileName);
-    description.fingerprint = fingerprintOf(text);
-    return description;
-  } catch (const toml::parse_error& error) {
-    throw DescriptionError(fileName + ':' + std::to_string(error.source().begin.line) + ": " +
-                           std::string(error.description()));
-  }
+  const toml::table parsed = parseToml(text, fileName);
+  const TomlTable root(parsed, "", fileName);
+  Draft draft;
+  for (unsigned type = 0; type < kSerDesTypes; ++type)
+    draft.description.typeNames[type] = serDesTraits(type).name;
+  root.read(kKeys, draft);
+  if (draft.description.asics.empty()) root.fail("asics", "there must be one or two");
+  draft.description.fingerprint = fingerprintOf(text);
+  return std::move(draft.description);
 }
 
 SwitchDescription readDescriptionFile(const std::string& fileName) {
-  std::ifstream file(fileName, std::ios::binary);
-  std::ostringstream text;
-  // An empty file gives nothing to copy, which counts as a failure of the copy alone.
-  if (file.peek() != std::ifstream::traits_type::eof()) text << file.rdbuf();
-  if (!file.is_open() || file.bad() || !text) throw DescriptionError(fileName + ": cannot be read");
-  return readDescription(text.str(), fileName);
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(fileName.c_str(), "rbe"), std::fclose);
+  std::string text;
+  std::array<char, 65536> block;
+  while (file != nullptr) {
+    const std::size_t count = std::fread(block.data(), 1, block.size(), file.get());
+    text.append(block.data(), count);
+    if (count < block.size()) break;
+  }
+  if (file == nullptr || std::ferror(file.get()) != 0) {
+    throw DescriptionError(fileName + ": cannot be read: " + std::strerror(errno));
+  }
+  return readDescription(text, fileName);
 }
 
 }  // namespace simulator

@@ -1,71 +1,127 @@
-// One table of a description file, read key by key: values are checked for kind and range, and a key that nobody asked
-// for is an error. Messages name file, line and key.
+// Values and tables of a description file: values are checked for kind and range, keys for being known. Messages name
+// file, line and key.
 #pragma once
 
 #include <cstdint>
 #include <optional>
-#include <set>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#define TOML_HEADER_ONLY 1
-#define TOML_EXCEPTIONS 1
-#include <toml++/toml.h>
+#include "simulator/description/toml_text.h"
 
 namespace simulator {
 
 // A word and what it stands for.
 struct Choice {
-  std::string_view word;
+  std::string_view name;
   std::uint32_t value;
+};
+
+// "a", "b" for all of them.
+std::string listOf(std::span<const Choice> choices);
+std::string quoted(std::string_view word);
+std::string rangeText(std::int64_t least, std::int64_t greatest);
+
+class TomlTable;
+
+// The value of a key. What it refers to must outlive it.
+class TomlValue {
+ public:
+  TomlValue(const toml::node& node, std::string path, const std::string& fileName)
+      : node_(&node), path_(std::move(path)), fileName_(&fileName) {}
+
+  bool isText() const {
+    return node_->is_string();
+  }
+  bool isTable() const {
+    return node_->is_table();
+  }
+  std::int64_t integer(std::int64_t least, std::int64_t greatest) const;
+  double number(double least, double greatest) const;
+  bool boolean() const;
+  std::string text() const;
+  // A word, or a number for a word of digits.
+  std::uint32_t choice(std::span<const Choice> choices) const;
+  // A list of words, as a set of bits.
+  std::uint32_t choiceSet(std::span<const Choice> choices) const;
+  std::vector<std::string> texts() const;
+  std::vector<std::int64_t> integers(std::int64_t least, std::int64_t greatest) const;
+  // A number, or ranges of numbers such as "0-7,9", in the order in which they are written.
+  std::vector<unsigned> indexes(unsigned greatest) const;
+  TomlTable table() const;
+  std::vector<TomlTable> tables() const;
+  // The same into a target of any type that has room for the range.
+  template <typename T>
+  void store(T& target, std::int64_t least, std::int64_t greatest) const {
+    target = static_cast<T>(integer(least, greatest));
+  }
+
+  // The error at this value.
+  [[noreturn]] void fail(const std::string& what) const;
+
+ private:
+  const toml::array& list(const std::string& what) const;
+
+  const toml::node* node_;
+  std::string path_;
+  const std::string* fileName_;
+};
+
+// A key that a table may have, and what its value does to the thing that the table describes. Keys are read in the
+// order of their rows, whatever their order in the file. No function for what is read apart from the others.
+template <typename T>
+struct Key {
+  std::string_view name;
+  void (*read)(const TomlValue& value, T& target) = nullptr;
 };
 
 class TomlTable {
  public:
-  // `path` is the table's key in full, empty for the whole file. The table must outlive this reader.
-  TomlTable(const toml::table& table, std::string path, std::string fileName);
+  // `path` is the table's key in full, empty for the whole file.
+  TomlTable(const toml::table& table, std::string path, const std::string& fileName)
+      : table_(&table), path_(std::move(path)), fileName_(&fileName) {}
 
   bool has(std::string_view key) const {
     return table_->contains(key);
   }
-  bool isText(std::string_view key) const {
-    const toml::node* node = table_->get(key);
-    return node != nullptr && node->is_string();
-  }
-  std::optional<std::int64_t> integer(std::string_view key, std::int64_t least, std::int64_t greatest);
-  std::optional<double> number(std::string_view key, double least, double greatest);
-  std::optional<bool> boolean(std::string_view key);
-  std::optional<std::string> text(std::string_view key);
-  std::optional<std::uint32_t> choice(std::string_view key, std::span<const Choice> choices);
-  // An array of words, as a set of bits.
-  std::optional<std::uint32_t> choiceSet(std::string_view key, std::span<const Choice> choices);
-  std::optional<std::vector<std::string>> texts(std::string_view key);
-  std::optional<std::vector<std::int64_t>> integers(std::string_view key, std::int64_t least, std::int64_t greatest);
-  // A number, or ranges of numbers such as "0-7,9", in the order in which they are written.
-  std::optional<std::vector<unsigned>> indexes(std::string_view key, unsigned greatest);
-  std::optional<TomlTable> table(std::string_view key);
-  // An array of tables; empty when the key is absent.
-  std::vector<TomlTable> tables(std::string_view key);
-  // Every key of this table, in alphabetical order, without taking them as read.
+  std::optional<TomlValue> find(std::string_view key) const;
+  // An error `what` when there is none.
+  TomlValue need(std::string_view key, const std::string& what) const;
+  // The tables of a list; none when the key is absent.
+  std::vector<TomlTable> tables(std::string_view key) const;
+  // Every key, in alphabetical order.
   std::vector<std::string> keys() const;
-
-  // Call when all keys have been asked for: the first unknown key is an error.
-  void finish() const;
 
   // The error at a key, or at the table itself when the key is absent.
   [[noreturn]] void fail(std::string_view key, const std::string& what) const;
 
+  // An error at a key that is none of the rows. To be asked before anything is missed: a key that is spelt wrong is the
+  // mistake, not the one that is missing for it.
+  template <typename Rows>
+  void allow(const Rows& rows) const {
+    std::vector<std::string_view> names;
+    for (const auto& row : rows)
+      names.push_back(row.name);
+    allowNames(names);
+  }
+  template <typename Rows, typename T>
+  void read(const Rows& rows, T& target) const {
+    allow(rows);
+    for (const Key<T>& row : rows) {
+      if (row.read == nullptr) continue;
+      if (const auto value = find(row.name)) row.read(*value, target);
+    }
+  }
+
  private:
-  const toml::node* take(std::string_view key);
-  std::uint32_t chosen(std::string_view key, const toml::node& node, std::span<const Choice> choices) const;
+  void allowNames(std::span<const std::string_view> names) const;
   std::string pathOf(std::string_view key) const;
 
   const toml::table* table_;
   std::string path_;
-  std::string fileName_;
-  std::set<std::string, std::less<>> taken_;
+  const std::string* fileName_;
 };
 
 }  // namespace simulator

@@ -20,10 +20,7 @@ inline constexpr auto kSpeedWords = std::to_array<Choice>({{"AUTO", SPEED_AUTO},
 // The speeds a port or a medium can run at: all but AUTO.
 inline constexpr std::span<const Choice> kFixedSpeedWords = std::span(kSpeedWords).subspan<1>();
 
-inline constexpr auto kFfeWords =
-    std::to_array<Choice>({{"FFENone", FFE_NONE}, {"FFE2", FFE_2}, {"FFE3", FFE_3}, {"FFE4", FFE_4}});
-inline constexpr auto kDfeWords =
-    std::to_array<Choice>({{"DFE3", DFE_3}, {"DFE5", DFE_5}, {"NONE", DFE_NONE}, {"DFE1", DFE_1}});
+inline constexpr auto kClockWords = std::to_array<Choice>({{"monotonic", 0}, {"virtual", 1}});
 inline constexpr auto kPortTypeWords =
     std::to_array<Choice>({{"GL", kPortTypeGl}, {"XG", kPortTypeXg}, {"EXG", kPortTypeExg}});
 inline constexpr auto kMediaWords = std::to_array<Choice>({{"none", MEDIA_NONE},
@@ -44,9 +41,13 @@ inline constexpr Settings kPlainEthernetSettings = {
     .tx = {.power = 7, .slew = SLEW_UNKNOWN, .mode = FFE_NONE, .p0 = 0, .p1 = 0, .p2 = 0, .p3 = 0},
     .rx = {.mode = 0, .p0 = 2, .p1 = 0, .p2 = 0, .p3 = 0}};
 
+struct SettingsKey;
+
 struct NamedSettings {
+  std::string name;
   Settings settings;
   bool isEthernet = false;
+  std::vector<const SettingsKey*> written = {};  // what the SerDes of a port must take
 };
 
 // What ports refer to by name.
@@ -55,21 +56,26 @@ struct Library {
   std::map<std::string, Channel, std::less<>> channels;
 };
 
-// The named entry; an error at `key` when there is none.
+// The entry that a value names; an error when there is none.
 template <typename Map>
-const typename Map::mapped_type& lookUp(const TomlTable& table, std::string_view key, const Map& map,
-                                        std::string_view name, const char* section) {
+const typename Map::mapped_type& lookUp(const TomlValue& value, const Map& map, const char* section) {
+  const std::string name = value.text();
   const auto found = map.find(name);
-  if (found == map.end()) table.fail(key, "there is no [" + std::string(section) + '.' + std::string(name) + ']');
+  if (found == map.end()) value.fail("there is no [" + std::string(section) + '.' + name + ']');
   return found->second;
 }
 
-template <typename T, typename V>
-void store(T& target, const std::optional<V>& value) {
-  if (value) target = static_cast<T>(*value);
-}
+NamedSettings readSettings(const TomlTable& table, const std::string& name);
+// An error at `use` when the SerDes of a core does not take what the settings say of its side.
+void judgeSettings(const NamedSettings& named, SerDesLinkType side, unsigned serDesType, const TomlValue& use);
 
+// Whose a user port is, for all ASICs.
+using UserPorts = std::map<unsigned, std::string>;
 // Reads an entry of [[asics]].
-AsicDescription readAsic(TomlTable& table, const Library& library);
+AsicDescription readAsic(const TomlTable& table, const Library& library, unsigned asic, UserPorts& userPorts);
+
+// Reads [[faults]], of a switch that is described otherwise.
+std::vector<FaultDescription> readFaults(const std::vector<TomlTable>& tables,
+                                         const std::vector<AsicDescription>& asics);
 
 }  // namespace simulator

@@ -57,6 +57,9 @@ void appendRecord(const StateRecord& record, std::string& text) {
   text += "]\n";
 }
 
+// Read one by one.
+constexpr auto kStateKeys = std::to_array<Key<StartState>>({{"format"}, {"switch"}, {"records"}});
+
 [[noreturn]] void fail(const std::string& fileName, const std::string& what) {
   throw StateError(kBadState, fileName + ": " + what);
 }
@@ -69,12 +72,12 @@ void checkEnd(std::string_view text, const std::string& fileName) {
   if (text.substr(length) != stateEndLine(text.substr(0, length))) fail(fileName, "is damaged");
 }
 
-std::vector<StateRecord> readRecords(TomlTable table, const std::string& fileName, const StartState& start) {
+std::vector<StateRecord> readRecords(const TomlTable& table, const std::string& fileName, const StartState& start) {
   std::vector<StateRecord> records = start.records;
   for (const std::string& name : table.keys()) {
     const auto record =
         std::find_if(records.begin(), records.end(), [&](const StateRecord& known) { return known.name == name; });
-    const std::vector<std::int64_t> values = *table.integers(name, INT64_MIN, INT64_MAX);
+    const std::vector<std::int64_t> values = table.find(name)->integers(INT64_MIN, INT64_MAX);
     if (record == records.end() || record->values.size() != values.size()) {
       fail(fileName, "has a record " + name + " that the switch does not have");
     }
@@ -111,21 +114,18 @@ std::string stateText(const StartState& start, const std::vector<StateRecord>& n
 std::vector<StateRecord> readStateText(std::string_view text, const std::string& fileName, const StartState& start) {
   checkEnd(text, fileName);
   try {
-    const toml::table parsed = toml::parse(text, fileName);
-    TomlTable root(parsed, "", fileName);
-    const auto format = root.integer("format", INT32_MIN, INT32_MAX);
+    const toml::table parsed = parseToml(text, fileName);
+    const TomlTable root(parsed, "", fileName);
+    root.allow(kStateKeys);
+    const std::int64_t format = root.need("format", "is missing").integer(INT32_MIN, INT32_MAX);
     if (format != kStateFormat) {
-      fail(fileName, "is of format " + (format ? std::to_string(*format) : "unknown") + ", and this is format " +
-                         std::to_string(kStateFormat));
+      fail(fileName, "is of format " + std::to_string(format) + ", and this is format " + std::to_string(kStateFormat));
     }
-    if (root.text("switch") != hexText(start.fingerprint)) {
+    if (root.need("switch", "is missing").text() != hexText(start.fingerprint)) {
       fail(fileName, "is of another switch, or its description has changed since");
     }
-    auto table = root.table("records");
-    root.finish();
-    return table ? readRecords(*table, fileName, start) : start.records;
-  } catch (const toml::parse_error& error) {
-    fail(fileName, std::string(error.description()));
+    const auto records = root.find("records");
+    return records ? readRecords(records->table(), fileName, start) : start.records;
   } catch (const DescriptionError& error) {
     throw StateError(kBadState, error.what());
   }

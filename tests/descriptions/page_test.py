@@ -18,10 +18,16 @@ EXAMPLE = "\n".join(re.findall(r"^```toml\n(.*?)^```$", PAGE, re.DOTALL | re.MUL
 TABLES = "\n".join(line for line in PAGE.splitlines() if line.startswith("|"))
 
 
+def rows_of_the_reader() -> set[str]:
+    """Every key behind the name of the table that it stands in."""
+    folder = ROOT / "simulator" / "description"
+    source = "".join(path.read_text() for path in sorted(folder.glob("*.cc")))
+    tables = re.findall(r"constexpr auto k(\w*)Keys = std::to_array<\w+(?:<\w+>)?>\(\{(.*?)\}\);", source, re.DOTALL)
+    return {f"{table}/{key}" for table, rows in tables for key in re.findall(r'\{(?:\.name = )?"(\w+)"', rows)}
+
+
 def keys_of_the_reader() -> set[str]:
-    source = "".join((ROOT / "simulator" / "description" / name).read_text() for name in ("reader.cc", "ports.cc"))
-    asked = r'(?:\.|->)(?:integers?|number|boolean|texts?|choice|choiceSet|indexes|tables?)\("(\w+)"'
-    return set(re.findall(asked, source)) | set(re.findall(r'store32\([^;]*?"(\w+)"\)', source))
+    return {row.split("/")[1] for row in rows_of_the_reader()}
 
 
 def keys_in(node: Any) -> set[str]:
@@ -33,8 +39,9 @@ def keys_in(node: Any) -> set[str]:
 
 
 def words_of_the_reader() -> set[str]:
-    words = (ROOT / "simulator" / "description" / "words.h").read_text()
-    return set(re.findall(r'\{"([^"]+)", (?:SPEED|FFE|DFE|MEDIA|kPort)', words))
+    folder = ROOT / "simulator" / "description"
+    source = "".join(path.read_text() for path in (folder / "words.h", folder / "settings.cc"))
+    return set(re.findall(r'\{"([^"]+)", (?:SPEED|FFE|DFE|MEDIA|kPort|[01]})', source))
 
 
 def run_on(description: str, script: str) -> subprocess.CompletedProcess[bytes]:
@@ -47,6 +54,7 @@ class Page(unittest.TestCase):
     def test_the_reader_s_keys_are_found(self) -> None:
         keys = keys_of_the_reader()
         self.assertGreater(len(keys), 75)
+        self.assertLessEqual({"virtual", "EXG", "copper active", "FFE4", "DFE1", "20G"}, words_of_the_reader())
         self.assertLessEqual({"slots", "taps", "a4", "delay_ns", "rx_core", "port_type", "pattern", "answer"}, keys)
         self.assertGreater(len(words_of_the_reader()), 25)
 
@@ -57,6 +65,10 @@ class Page(unittest.TestCase):
 
     def test_every_key_has_an_example(self) -> None:
         self.assertEqual(keys_of_the_reader() - keys_in(tomllib.loads(EXAMPLE)), set())
+
+    def test_every_key_is_seen_to_reach_the_switch(self) -> None:
+        test = (ROOT / "tests" / "unit" / "simulator" / "description" / "every_key_test.cc").read_text()
+        self.assertEqual(set(re.findall(r'\{"(\w*/\w+)"', test)), rows_of_the_reader())
 
     def test_every_word_is_named(self) -> None:
         named = set(re.findall(r'"([^"\n]+)"', PAGE))

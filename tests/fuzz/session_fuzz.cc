@@ -14,6 +14,7 @@
 #include "display/table_header.h"
 #include "shell/command_reader.h"
 #include "shell/session.h"
+#include "tests/fuzz/replay.h"
 #include "tests/support/fake_waiting.h"
 #include "tests/support/recording_platform.h"
 #include "topology/serdes_topology.h"
@@ -48,6 +49,11 @@ void countWait() {
 }
 
 }  // namespace
+
+void addReached(std::set<std::string>& operations) {
+  for (const std::string& call : platform.calls)
+    operations.insert(call.substr(0, call.find('(')));
+}
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   return std::freopen("/dev/null", "w", stdout) == nullptr || std::freopen("/dev/null", "r", stdin) == nullptr;

@@ -158,11 +158,12 @@ TEST_F(Platform, NothingSetMeansTheBuiltInSwitch) {
 }
 
 TEST_F(Platform, ADescriptionWithAMistakeFailsTheOpeningAndSaysWhere) {
-  describe(kSmall + "colour = 1\n");
+  describe(kSmall + "load = 101\n");
   testing::internal::CaptureStderr();
   EXPECT_EQ(AsicControl::AsicCtlOpen(), kBadDescription);
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "simulated switch: " + file("switch.toml") + ":11: asics[0].ports[0].colour: unknown key\n");
+            "simulated switch: " + file("switch.toml") +
+                ":11: asics[0].ports[0].load: must be a whole number from 0 to 100\n");
   Switch_HW_Config_t config;
   EXPECT_EQ(AsicControl::GetSwitchConfig(&config), kNotOpen);
 }
@@ -171,7 +172,8 @@ TEST_F(Platform, AMissingDescriptionFailsTheOpening) {
   (void)setenv(kSwitch, file("missing.toml").c_str(), 1);
   testing::internal::CaptureStderr();
   EXPECT_EQ(PortControl::PortCtlOpen(), kBadDescription);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "simulated switch: " + file("missing.toml") + ": cannot be read\n");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "simulated switch: " + file("missing.toml") + ": cannot be read: No such file or directory\n");
 }
 
 TEST_F(Platform, AnUnknownClockFailsTheOpening) {

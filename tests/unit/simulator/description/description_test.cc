@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "simulator/calls/default_switch.h"
+#include "simulator/description/fingerprint.h"
 
 namespace simulator {
 namespace {
@@ -98,7 +99,7 @@ temperature = -5
 TEST(Description, ReadsPorts) {
   const SwitchDescription description = read(R"(
 [settings.some]
-power = 300
+power = 200
 ffe = "FFE4"
 taps = [-1, 2, -3, 4]
 slew = 60
@@ -152,7 +153,7 @@ partner = { settings = "some", speed = "10G", speeds = ["10G"], sends = false, p
   EXPECT_FALSE(port.sends);
   EXPECT_EQ(port.loadPercent, 40U);
   const Settings& cache = port.caches[SPEED_20G];
-  EXPECT_EQ(cache.tx.power, 300);
+  EXPECT_EQ(cache.tx.power, 200);
   EXPECT_EQ(cache.tx.mode, FFE_4);
   EXPECT_EQ(cache.tx.slew, SLEW_60PS);
   EXPECT_EQ(cache.tx.p0, -1);
@@ -164,7 +165,7 @@ partner = { settings = "some", speed = "10G", speeds = ["10G"], sends = false, p
   EXPECT_EQ(cache.rx.p1, 2);
   EXPECT_EQ(cache.rx.p2, 0x30);
   EXPECT_EQ(port.caches[SPEED_10G].tx.power, 115);
-  EXPECT_EQ(port.live->tx.power, 300);
+  EXPECT_EQ(port.live->tx.power, 200);
   EXPECT_EQ(port.farEnd, FarEnd::kPartner);
   EXPECT_EQ(port.partner.speed, SPEED_10G);
   EXPECT_EQ(port.partner.speeds, speedBit(SPEED_10G));
@@ -248,6 +249,7 @@ TEST(Description, EthernetSettingsAreForEthernetPorts) {
   const std::string settings = "[settings.e]\npower = 6\npre_emphasis = 5\ncdr_mode = 2\neq_mode = 1\n";
   std::string port = kOnePort;
   port.replace(port.find("GL"), 2, "EXG");
+  port.replace(port.find("type = 2"), 8, "type = 4");
   const SwitchDescription description = read(settings + port + "cache = \"e\"\n");
   const Settings& cache = description.asics[0].ports[0].caches[SPEED_10G];
   EXPECT_EQ(cache.tx.power, 6);
@@ -262,14 +264,14 @@ TEST(Description, ReadsFaults) {
 [[faults]]
 operation = "GetSerDesInfo/port"
 asic = 0
-port = 5
+port = 0
 ordinal = 3
 always = true
 probability = 0.25
 code = -77
 [[faults]]
 operation = "ReadSerDesPLLRegister"
-core = 2
+core = 0
 answer = { output = "value", value = 0x1234 }
 [[faults]]
 operation = "ToString"
@@ -281,19 +283,42 @@ operation = "ClrFrameStatCntrs"
   const FaultDescription& first = description.faults[0];
   EXPECT_EQ(first.where.operation, Operation::kGetSerDesInfoOfPort);
   EXPECT_EQ(first.where.asic, 0U);
-  EXPECT_EQ(first.where.port, 5U);
+  EXPECT_EQ(first.where.port, 0U);
   EXPECT_EQ(first.where.link, std::nullopt);
   EXPECT_EQ(first.ordinal, 3U);
   EXPECT_TRUE(first.always);
   EXPECT_EQ(first.probability, kCertain / 4);
   EXPECT_EQ(first.code, -77);
   EXPECT_FALSE(first.answer.has_value());
-  EXPECT_EQ(description.faults[1].where.core, 2U);
+  EXPECT_EQ(description.faults[1].where.core, 0U);
   EXPECT_EQ(description.faults[1].answer->output, "value");
   EXPECT_EQ(description.faults[1].answer->value, 0x1234);
   EXPECT_EQ(description.faults[2].answer->text, "a name that is far too long");
   EXPECT_EQ(description.faults[3].code, kInjectedFault);
   EXPECT_FALSE(description.faults[3].always);
+}
+
+TEST(Description, RawSettingsKeepAnyNumber) {
+  const std::string odd = "[settings.odd]\nraw = true\npower = -2147483648\ntaps = [99, 99, 99, 99]\n";
+  const SwitchDescription description = read(odd + kOnePort + "cache = \"odd\"\n");
+  const SerDesTxRateParams& tx = description.asics[0].ports[0].caches[SPEED_8G].tx;
+  EXPECT_EQ(tx.power, INT32_MIN);
+  EXPECT_EQ(tx.p3, 99);
+}
+
+TEST(Description, MisplacedPortsMayBeOnAnyCore) {
+  std::string text = kOnePort + "misplaced = true\nlive = \"some\"\n[settings.some]\nffe = \"FFE4\"\n";
+  text.replace(text.find("type = 2"), 8, "type = 4");
+  EXPECT_EQ(read(text).asics[0].ports[0].live->tx.mode, FFE_4);
+}
+
+TEST(Description, FingerprintsAreKnown) {
+  // FNV-1a's own examples.
+  EXPECT_EQ(fingerprintOf(""), 0xcbf29ce484222325U);
+  EXPECT_EQ(fingerprintOf("a"), 0xaf63dc4c8601ec8cU);
+  EXPECT_EQ(fingerprintOf("foobar"), 0x85944171f73967e8U);
+  EXPECT_EQ(fingerprintOf("bar", fingerprintOf("foo")), fingerprintOf("foobar"));
+  EXPECT_EQ(read(kOnePort).fingerprint, 0x91674b843c0bfc1dU);
 }
 
 TEST(Description, FingerprintsDifferWithTheText) {
@@ -305,10 +330,17 @@ TEST(Description, TheBuiltInOneIsInOrder) {
   EXPECT_NO_THROW((void)readDescription(kDefaultSwitchToml, "default.toml"));
 }
 
-TEST(Description, AFileThatCannotBeReadIsAnError) {
-  for (const char* name : {"/nonexistent/switch.toml", "/"}) {
-    EXPECT_THROW((void)readDescriptionFile(name), DescriptionError) << name;
-  }
+TEST(Description, AFileThatCannotBeReadSaysWhy) {
+  const auto errorOf = [](const std::string& name) {
+    try {
+      (void)readDescriptionFile(name);
+    } catch (const DescriptionError& error) {
+      return std::string(error.what());
+    }
+    return std::string("no error");
+  };
+  EXPECT_EQ(errorOf("/nonexistent/switch.toml"), "/nonexistent/switch.toml: cannot be read: No such file or directory");
+  EXPECT_EQ(errorOf("/"), "/: cannot be read: Is a directory");
 }
 
 }  // namespace

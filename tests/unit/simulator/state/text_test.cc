@@ -97,7 +97,7 @@ TEST_F(StateText, WithAnyByteChangedIsRefused) {
 TEST_F(StateText, OfAnotherFormatIsRefused) {
   EXPECT_EQ(errorOf(replaced(textNow(), "format = 1", "format = 2")),
             "some.state: is of format 2, and this is format 1");
-  EXPECT_EQ(errorOf(replaced(textNow(), "format = 1\n", "")), "some.state: is of format unknown, and this is format 1");
+  EXPECT_EQ(errorOf(replaced(textNow(), "format = 1\n", "")), "some.state:1: format: is missing");
 }
 
 TEST_F(StateText, OfAnotherDescriptionIsRefused) {
@@ -128,8 +128,14 @@ TEST_F(StateText, WithOtherRecordsIsRefused) {
 }
 
 TEST_F(StateText, ThatIsNotTomlOrHasOtherKeysIsRefused) {
-  EXPECT_EQ(errorOf(replaced(textNow(), "format = 1", "format = = 1")).substr(0, 12), "some.state: ");
-  EXPECT_EQ(errorOf(replaced(textNow(), "format = 1", "format = 1\ncolour = 2")), "some.state:8: colour: unknown key");
+  EXPECT_EQ(errorOf(replaced(textNow(), "format = 1", "format = = 1")).substr(0, 14), "some.state:7: ");
+  EXPECT_EQ(errorOf(replaced(textNow(), "format = 1", "format = 1\ncolour = 2")),
+            "some.state:8: colour: unknown key; there are format, switch, records");
+  // The library asserts that no text is so.
+  EXPECT_EQ(errorOf(replaced(textNow(), "[records]", "[[=x]]")),
+            "some.state:10: a key or a value is missing, or is not one");
+  EXPECT_EQ(errorOf(replaced(textNow(), "[records]", "[\u00e9]")),
+            "some.state:10: a character beyond ASCII outside of quotes");
 }
 
 }  // namespace

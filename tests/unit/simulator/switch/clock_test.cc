@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 namespace simulator {
 namespace {
 
@@ -37,6 +39,20 @@ TEST(MonotonicClock, ContinuesFromWhereItIsPut) {
   clock.tick();
   EXPECT_GE(clock.now(), 5'000'000'000U);
   EXPECT_LT(clock.now(), 5'600'000'000U);
+}
+
+TEST(MonotonicClock, LeavesOutWhatPassedBeforeItContinues) {
+  using Time = std::chrono::steady_clock;
+  Clock clock({});
+  const Time::time_point made = Time::now();
+  // What a switch takes to be built and a state to be read.
+  while (Time::now() - made < std::chrono::milliseconds(2)) {
+  }
+  const Time::time_point before = Time::now();
+  clock.continueFrom(1'000'000);
+  clock.tick();
+  const auto passed = std::chrono::ceil<std::chrono::microseconds>(Time::now() - before);
+  EXPECT_LE(clock.now() - 1'000'000, static_cast<std::uint64_t>(passed.count()));
 }
 
 }  // namespace
