@@ -76,6 +76,13 @@ TEST_F(Counters, AreClearedByThePort) {
   EXPECT_EQ(sw.clearCounters(id(9)), kBadPort);
 }
 
+TEST_F(Counters, ClearedHaveNothingOfTheTimeBefore) {
+  passSeconds(5);
+  ASSERT_EQ(sw.clearCounters(id(1)), kOk);
+  EXPECT_EQ(decodeErrors(1), 0U);
+  EXPECT_EQ(crcErrors(1), 0U);
+}
+
 TEST_F(Counters, FillTheWholeRecord) {
   drv_counters_t counters;
   counters.beforeDecodeErrors.fill(0xaa);

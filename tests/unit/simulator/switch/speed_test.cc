@@ -1,3 +1,5 @@
+#include "simulator/switch/speed.h"
+
 #include "tests/unit/simulator/switch/switch_bench.h"
 
 namespace simulator {
@@ -174,6 +176,45 @@ TEST_F(FarMediaThatCarryLess, KeepBothEndsDown) {
   ASSERT_EQ(sw.setPortSpeed(id(2), SPEED_8G), kOk);
   EXPECT_EQ(statusOf(2), kStatusNoSpeed);
   EXPECT_EQ(statusOf(3), kStatusNoSpeed);
+}
+
+// Gbd of each link of a port that is set to a speed, and the line code there.
+struct LineAt {
+  std::uint32_t speed;
+  double fibreChannel;
+  double ethernet;
+  LineCode code;
+};
+
+TEST(Baud, IsThatOfTheSpeedAndKindOfPortAndSharedByItsLinks) {
+  const SwitchDescription description = readDescription(kBenchSwitch, "bench.toml");
+  const AsicDescription& asic = description.asics[0];
+  AsicState state{.ports = std::vector<PortState>(asic.ports.size()),
+                  .plls = std::vector<RegisterFile>(asic.cores.size())};
+  for (const LineAt& line : {LineAt{SPEED_1G, 1.0625, 1.25, LineCode::k8b10b},
+                             {SPEED_2G, 2.125, 2.5, LineCode::k8b10b},
+                             {SPEED_4G, 4.25, 5, LineCode::k8b10b},
+                             {SPEED_8G, 8.5, 10.3125, LineCode::k8b10b},
+                             {SPEED_10G, 10.51875, 10.3125, LineCode::k64b66b},
+                             {SPEED_20G, 21.0375, 20.625, LineCode::k64b66b}}) {
+    EXPECT_EQ(lineCodeOf(line.speed), line.code) << line.speed;
+    for (PortState& port : state.ports)
+      port.operatingSpeed = line.speed;
+    const PortView gl({0, asic, state}, 0), partnered({0, asic, state}, 4), xg({0, asic, state}, 6),
+        exg({0, asic, state}, 7);
+    EXPECT_EQ(linkBaud(gl, gl.rx), line.fibreChannel) << line.speed;
+    EXPECT_EQ(linkBaud(gl, gl.tx), line.fibreChannel) << line.speed;
+    EXPECT_EQ(linkBaud(xg, xg.rx), line.fibreChannel / 4) << line.speed;
+    EXPECT_EQ(linkBaud(xg, xg.tx), line.fibreChannel / 4) << line.speed;
+    EXPECT_EQ(linkBaud(exg, exg.rx), line.ethernet) << line.speed;
+    // A partner follows to the speeds that it has; otherwise it sends at its lowest.
+    EXPECT_EQ(partnerBaud(partnered), line.speed == SPEED_20G ? 1.0625 : line.fibreChannel) << line.speed;
+  }
+  for (PortState& port : state.ports)
+    port.operatingSpeed = SPEED_AUTO;
+  const PortView xg({0, asic, state}, 6), exg({0, asic, state}, 7);
+  EXPECT_EQ(linkBaud(xg, xg.rx), 10.51875 / 4);  // the lowest of each
+  EXPECT_EQ(linkBaud(exg, exg.rx), 1.25);
 }
 
 }  // namespace

@@ -154,9 +154,11 @@ TEST_F(HoldDfe, KeepsTheTapsWhileTheLinkChanges) {
 TEST_F(HoldDfe, HoldingWhatIsHeldKeepsIt) {
   SerDesRxDFEState state{};
   state.h[0] = 9;
+  state.h[9] = 5;  // beyond the mode
   ASSERT_EQ(sw.setRxDfeState(0, 1, 0, &state), kOk);
   ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestHoldDfe, 1), kOk);
   EXPECT_EQ(statsOf(1).h[0], 9);
+  EXPECT_EQ(readRx(1, 9), 0x0500U);
 }
 
 TEST_F(HoldDfe, HeldAgainItKeepsTheTapsOfTheFirstTime) {
