@@ -11,7 +11,7 @@
 #include "commands/tx_eq.h"
 #include "display/name_tables.h"
 #include "shell/command_reader.h"
-#include "shell/command_table.cc"
+#include "shell/command_table.cc"  // its rows, whose handlers are taken out below
 
 namespace {
 
