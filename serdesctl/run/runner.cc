@@ -4,7 +4,10 @@
 #include <algorithm>
 #include <cstring>
 #include <exception>
+#include <memory>
 #include <vector>
+
+#include "serdesctl/base/errors.h"
 
 namespace serdesctl {
 namespace {
@@ -14,8 +17,8 @@ constexpr Seconds kLoopPause{2};
 
 // How many changes are announced at once: one by one, unless there are so many that waiting for the disk would cost
 // more than the switch.
-constexpr std::size_t kChangesPerAnnouncement = 100;
-constexpr std::size_t kMostAnnounced = 64;
+constexpr std::size_t kMostAnnouncements = 20;
+constexpr std::size_t kMostAnnounced = 500;
 
 std::size_t changeCount(std::span<const Step> steps) {
   return static_cast<std::size_t>(std::count_if(steps.begin(), steps.end(), [](const Step& s) { return s.changes; }));
@@ -38,9 +41,12 @@ class Run {
         observer_(observer),
         log_(log),
         steps_(steps),
-        atOnce_(std::clamp<std::size_t>(changeCount(steps) / kChangesPerAnnouncement, 1, kMostAnnounced)) {}
+        atOnce_(std::clamp<std::size_t>(changeCount(steps) / kMostAnnouncements, 1, kMostAnnounced)) {}
 
   bool all(bool keepGoing) {
+    announceFirst();
+    const auto dropRest = [](ChangeLog* log) { log->dropRest(); };
+    const std::unique_ptr<ChangeLog, decltype(dropRest)> atTheEnd(&log_, dropRest);
     bool good = true;
     for (std::size_t i = 0; i < steps_.size() && (good || keepGoing); ++i) {
       throwIfInterrupted();
@@ -50,7 +56,6 @@ class Run {
         good = runCommand(i) && good;
       }
     }
-    log_.dropRest();
     return good;
   }
 
@@ -65,7 +70,6 @@ class Run {
       result.status = pass(step.words, result.output);
     } catch (const std::exception& error) {
       if (step.changes) log_.lost(error.what());
-      log_.dropRest();
       throw;
     }
     result.elapsed = Clock::now() - start;
@@ -78,12 +82,22 @@ class Run {
     return result.asExpected;
   }
 
+  // Before anything is sent: where changes cannot be announced, not even a question is asked.
+  void announceFirst() {
+    try {
+      announceFrom(0);
+    } catch (const WriteError& error) {
+      throw UsageError(error.what());
+    }
+  }
+
   void announceFrom(std::size_t index) {
     if (announced_ > 0) return;
     std::vector<std::string> commands;
     for (; index < steps_.size() && commands.size() < atOnce_; ++index) {
       if (steps_[index].changes) commands.push_back(steps_[index].command());
     }
+    if (commands.empty()) return;
     log_.intend(commands);
     announced_ = commands.size();
   }

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "serdesctl/journal/change_log.h"
 #include "serdesctl/run/script.h"
 #include "serdesctl/session/conversation.h"
 
@@ -25,19 +26,6 @@ class RunObserver {
   virtual void starting(const Step& step) = 0;
   virtual void printed(std::string_view output) = 0;
   virtual void ended(const Step& step, const StepResult& result) = 0;
-};
-
-// Told of changes: before they are sent, and of what became of them. What it throws ends the run.
-class ChangeLog {
- public:
-  virtual ~ChangeLog() = default;
-  // These commands, in this order, are about to be sent.
-  virtual void intend(std::span<const std::string> commands) = 0;
-  // The next one of them was answered, or nobody knows what became of it.
-  virtual void answered(CmdStatus status) = 0;
-  virtual void lost(const std::string& reason) = 0;
-  // What is left of them is not sent.
-  virtual void dropRest() = 0;
 };
 
 // Runs the steps up to the first command whose status is not the expected one, or all of them; true when none failed.

@@ -79,8 +79,7 @@ std::optional<Answer> readAnswer(std::string_view text) {
 
 Conversation::Conversation(const Target& target, Seconds timeout)
     : name_(target.name), timeout_(timeout), tool_(startTool(target)) {
-  readStart(
-      receiveTo(kAnswerEnd, "start", after(timeout_ + (target.reach.empty() ? Seconds(0) : target.waitForLock))));
+  readStart(receiveTo(kAnswerEnd, "start", after(timeout_ + (target.reach.empty() ? Seconds(0) : target.waitForLock))));
   started_ = true;
 }
 

@@ -9,17 +9,14 @@
 
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/output.h"
+#include "serdesctl/journal/journal.h"
 #include "serdesctl/run/runner.h"
 #include "serdesctl/run/script.h"
+#include "serdesctl/subcommands/status_names.h"
 #include "serdesctl/subcommands/subcommands.h"
 
 namespace serdesctl {
 namespace {
-
-constexpr const char* kStatusNames[] = {
-    "CMD_OK",        "CMD_EXIT",      "CMD_TOO_LONG",         "CMD_TOO_FEW_ARGS",  "CMD_TOO_MANY_ARGS",
-    "CMD_UNKNOWN",   "CMD_BAD_PARAM", "CMD_MIXED_PORT_TYPES", "CMD_ETHERNET_ONLY", "CMD_FC_ONLY",
-    "CMD_EXEC_ERROR"};
 
 void complain(const std::string& line) {
   (void)writeAll(STDERR_FILENO, line + "\n");
@@ -72,7 +69,7 @@ class JsonReport : public RunObserver {
                                      {"line", step.line},
                                      {"command", step.command()},
                                      {"status", static_cast<int>(result.status)},
-                                     {"status_name", kStatusNames[result.status]},
+                                     {"status_name", statusName(result.status)},
                                      {"message", statusMessage(result.status)},
                                      {"output", result.output},
                                      {"seconds", result.elapsed.count()}};
@@ -83,13 +80,6 @@ class JsonReport : public RunObserver {
 
  private:
   Output& output_;
-};
-
-class NoLog : public ChangeLog {
-  void intend(std::span<const std::string>) override {}
-  void answered(CmdStatus) override {}
-  void lost(const std::string&) override {}
-  void dropRest() override {}
 };
 
 // The ASICs that scripts select, whatever else is wrong with them.
@@ -138,7 +128,8 @@ int runOn(const Target& target, const Options& options, const std::vector<Script
   } else {
     observer = std::make_unique<TextReport>(output, options.run.echo);
   }
-  NoLog log;
+  JournalFile file(journalFolder(), [](const std::string& text) { complain("serdesctl: " + text); });
+  RunJournal log(std::move(file), target.name, options.common.syslog);
   const bool good = runSteps(checked.steps, options.run.keepGoing, tool, *observer, log);
   closeTool(tool, target);
   return good ? kDone : kFailed;

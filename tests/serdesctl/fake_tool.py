@@ -54,8 +54,15 @@ HOW = {
     "late_prompt": lambda answer: (write(answer), before_next.append(END)),
     "message_in_output": lambda _: write(b"unknown command\n\n\nmore\n" + END),
     "complains": lambda _: (os.write(2, b"something is broken\n"), os._exit(1)),
+    "copies_the_journal": lambda answer: (copy_journal(), write(answer)),
     "ignores_its_end": lambda _: (os.close(0), write(END + END), time.sleep(1000)),
 }
+
+
+def copy_journal():
+    """What the journal holds before the trigger is answered."""
+    journal = pathlib.Path(os.environ["SERDESCTL_JOURNAL"])
+    (journal.parent / "seen").write_text((journal / "journal.jsonl").read_text())
 
 
 def read_line():
@@ -94,6 +101,7 @@ def main():
         tool.stdin.write(line)
         answer = read_answer(tool)
         if line.decode().strip() == trigger:
+            pathlib.Path(pid_file).with_name("triggered").touch()
             HOW[how](answer)
         else:
             write(answer)
