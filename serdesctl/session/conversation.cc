@@ -4,6 +4,7 @@
 // answer complete. A table that looks like a prompt, or a prompt that comes late, cannot be taken for the end.
 #include "serdesctl/session/conversation.h"
 
+#include <strings.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 #include <cerrno>
 
 #include "serdesctl/base/errors.h"
+#include "serdesctl/base/text.h"
 
 namespace serdesctl {
 namespace {
@@ -57,6 +59,18 @@ std::optional<CmdStatus> statusOf(std::string_view message) {
   return std::nullopt;
 }
 
+// A line that the tool reads as one command and answers before the next. It answers neither loop, which outlives both
+// ends of its pipe, nor exit.
+void refuseUnlessSendable(const std::string& command) {
+  if (command.size() > kMostCommandLength || std::any_of(command.begin(), command.end(), isControlCharacter)) {
+    throw UsageError("'" + command.substr(0, kMostCommandLength) + "' is not one line of the tool's");
+  }
+  const std::string word = command.substr(0, command.find_first_of(" #"));
+  for (const char* unanswered : {"", "loop", "lp", "exit", "quit"}) {
+    if (strcasecmp(word.c_str(), unanswered) == 0) throw UsageError("'" + command + "' cannot be asked");
+  }
+}
+
 }  // namespace
 
 std::string Answer::text() const {
@@ -84,6 +98,7 @@ Conversation::Conversation(const Target& target, Seconds timeout)
 }
 
 Answer Conversation::ask(const std::string& command) {
+  refuseUnlessSendable(command);
   throwIfInterrupted();
   refuseStrayText();
   const TimePoint start = Clock::now();

@@ -38,7 +38,7 @@ class Conversation {
     return startText_;
   }
 
-  // Sends a command and waits for its answer. The command is one line with at least a word, and neither loop nor exit.
+  // Sends a command, its words apart by blanks, and waits for its answer. Refuses loop and exit by UsageError.
   // After an exception nothing more can be asked.
   Answer ask(const std::string& command);
 

@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,6 +13,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <sstream>
 
 #include "serdesctl/base/errors.h"
 
@@ -58,6 +60,18 @@ std::vector<char*> pointers(std::vector<std::string>& words) {
   return result;
 }
 
+// The file that a command's first word names. Not left to execvp, which hands what it cannot run to a shell.
+std::string programFile(const std::string& word) {
+  if (word.find('/') != std::string::npos) return word;
+  std::istringstream folders(environmentVariable("PATH").value_or("/usr/bin:/bin"));
+  for (std::string folder; std::getline(folders, folder, ':');) {
+    const std::string file = (folder.empty() ? "." : folder) + "/" + word;
+    struct stat status {};
+    if (::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) && ::access(file.c_str(), X_OK) == 0) return file;
+  }
+  throw ConnectionError("cannot run " + word + ": not found in PATH");
+}
+
 struct Streams {
   int input;
   int output;
@@ -65,7 +79,8 @@ struct Streams {
 };
 
 // In the child: only plain system calls. Returns when the command cannot be run.
-void becomeCommand(const Streams& streams, int lock, pid_t parent, char* const* words, char* const* environment) {
+void becomeCommand(const char* file, const Streams& streams, int lock, pid_t parent, char* const* words,
+                   char* const* environment) {
   (void)::setpgid(0, 0);
   (void)::prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (::getppid() != parent) ::_exit(1);
@@ -74,7 +89,7 @@ void becomeCommand(const Streams& streams, int lock, pid_t parent, char* const* 
   (void)::dup2(streams.output, STDOUT_FILENO);
   (void)::dup2(streams.errors, STDERR_FILENO);
   if (lock >= 0) (void)::fcntl(lock, F_SETFD, 0);
-  (void)::execvpe(words[0], words, environment);
+  (void)::execve(file, words, environment);
 }
 
 // Waits for the child's word that it could not run the command; the pipe closes without one when it runs.
@@ -109,6 +124,7 @@ std::string ProcessEnd::text() const {
 }
 
 Child::Child(const Command& command, Fd lock) {
+  const std::string file = programFile(command.words[0]);
   std::vector<std::string> words = command.words;
   std::vector<std::string> variables = environmentOf(command);
   const std::vector<char*> wordPointers = pointers(words);
@@ -122,7 +138,7 @@ Child::Child(const Command& command, Fd lock) {
   pid_ = ::fork();
   if (pid_ < 0) throw ConnectionError("cannot run " + words[0] + ": " + errorText());
   if (pid_ == 0) {
-    becomeCommand(streams, lock.get(), parent, wordPointers.data(), variablePointers.data());
+    becomeCommand(file.c_str(), streams, lock.get(), parent, wordPointers.data(), variablePointers.data());
     const int error = errno;
     (void)!::write(failure.writer.get(), &error, sizeof error);
     ::_exit(127);

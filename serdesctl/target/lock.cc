@@ -12,6 +12,7 @@
 
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/people.h"
+#include "serdesctl/base/text.h"
 
 namespace serdesctl {
 namespace {
@@ -46,8 +47,7 @@ std::string holderOf(const Fd& file) {
   const ssize_t length = ::pread(file.get(), text.data(), text.size(), 0);
   std::string holder(text.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
   holder = holder.substr(0, holder.find('\n'));
-  std::replace_if(
-      holder.begin(), holder.end(), [](char c) { return c >= '\0' && c < ' '; }, '?');
+  std::replace_if(holder.begin(), holder.end(), isControlCharacter, '?');
   return holder.empty() ? "somebody" : holder;
 }
 

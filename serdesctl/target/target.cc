@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "serdesctl/base/errors.h"
+#include "serdesctl/base/text.h"
 #include "serdesctl/target/lock.h"
 #include "serdesctl/target/remote.h"
 #include "serdesctl/target/targets_file.h"
@@ -89,7 +90,7 @@ Target simulatedTarget(const TargetWords& words) {
 }
 
 void reachBySsh(Target& target, const std::string& host) {
-  const auto unfit = [](char c) { return (c >= '\0' && c <= ' ') || c == '\x7f'; };
+  const auto unfit = [](char c) { return c == ' ' || isControlCharacter(c); };
   if (host.empty() || host[0] == '-' || std::any_of(host.begin(), host.end(), unfit)) {
     throw UsageError("target " + target.name + ": '" + host + "' is no [USER@]HOST");
   }

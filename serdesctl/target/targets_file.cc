@@ -11,6 +11,7 @@
 
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/files.h"
+#include "serdesctl/base/text.h"
 
 namespace serdesctl {
 namespace {
@@ -48,7 +49,7 @@ class TargetReader {
   std::string text(const toml::node& node, std::string_view key) const {
     const auto value = node.value_exact<std::string>();
     if (!value || value->empty()) fail(node, key, "is not a text");
-    if (std::any_of(value->begin(), value->end(), [](char c) { return (c >= '\0' && c < ' ') || c == '\x7f'; })) {
+    if (std::any_of(value->begin(), value->end(), isControlCharacter)) {
       fail(node, key, "has a control character");
     }
     return *value;

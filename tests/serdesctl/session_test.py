@@ -104,6 +104,19 @@ class Misbehaving(ProgramTest):
         self.assertEqual((status, out), (3, ""))
         self.assertEqual(err, f"serdesctl: cannot run {self.folder}/nothing: No such file or directory\n")
 
+    def test_what_is_no_program_is_not_given_to_a_shell(self):
+        tool = self.folder / "tool"
+        tool.write_text(f"touch {self.folder}/ran\n")
+        tool.chmod(0o755)
+        self.env["SERDESCTL_TOOL"] = str(tool)
+        self.assertEqual(self.run_script("showRate all\n")[0], 3)
+        self.assertFalse((self.folder / "ran").exists())
+
+    def test_a_tool_that_is_not_in_the_path(self):
+        self.env["SERDESCTL_TOOL"] = "no-such-tool"
+        status, _, err = self.run_script("showRate all\n")
+        self.assertEqual((status, err), (3, "serdesctl: cannot run no-such-tool: not found in PATH\n"))
+
     def test_a_switch_that_cannot_be_opened(self):
         self.env["SERDES_SIMULATOR_SWITCH"] = self.script("slots = 'many'\n")
         status, out, err = self.run_script("showRate all\n")
