@@ -103,7 +103,7 @@ void JournalFile::append(std::string_view lines, bool onDisk) {
   const Unlocking unlocking(file_);
   if (writeAll(file_.get(), lines) && (!onDisk || ::fdatasync(file_.get()) == 0)) return;
   const int error = errno;
-  (void)::ftruncate(file_.get(), static_cast<off_t>(size));
+  (void)!::ftruncate(file_.get(), static_cast<off_t>(size));
   errno = error;
   fail("cannot be written");
 }
@@ -180,7 +180,7 @@ std::string journalFolder() {
   }
   if (::geteuid() == 0) (void)::mkdir(kSystemFolder, 0755);
   if (isWritable(kSystemFolder)) return kSystemFolder;
-  const std::string folder = userFolder();
+  std::string folder = userFolder();
   if (folder.empty()) throw WriteError("no folder for the journal: neither XDG_STATE_HOME nor HOME is set");
   std::error_code error;
   std::filesystem::create_directories(folder, error);

@@ -44,7 +44,7 @@ std::string timeAgo(const std::string& word) {
 // Times compare as text: a shorter one is the first moment of its day, minute or second.
 std::string firstTime(const std::string& word) {
   constexpr std::string_view kForm = "0000-00-00T00:00:00.000000";
-  if (const std::string time = timeAgo(word); !time.empty() || word.empty()) return time;
+  if (std::string time = timeAgo(word); !time.empty() || word.empty()) return time;
   std::string time = word.ends_with('Z') ? word.substr(0, word.size() - 1) : word;
   std::replace(time.begin(), time.end(), ' ', 'T');
   bool fits = time.size() == 10 || time.size() == 16 || time.size() >= 19;

@@ -48,12 +48,13 @@ std::vector<std::string> environmentOf(const Command& command) {
     if (std::none_of(command.environment.begin(), command.environment.end(), replaced)) variables.emplace_back(*entry);
   }
   for (const auto& [name, value] : command.environment)
-    variables.push_back(name + "=" + value);
+    variables.push_back(std::string(name).append("=").append(value));
   return variables;
 }
 
 std::vector<char*> pointers(std::vector<std::string>& words) {
   std::vector<char*> result;
+  result.reserve(words.size() + 1);
   for (std::string& word : words)
     result.push_back(word.data());
   result.push_back(nullptr);
@@ -65,7 +66,7 @@ std::string programFile(const std::string& word) {
   if (word.find('/') != std::string::npos) return word;
   std::istringstream folders(environmentVariable("PATH").value_or("/usr/bin:/bin"));
   for (std::string folder; std::getline(folders, folder, ':');) {
-    const std::string file = (folder.empty() ? "." : folder) + "/" + word;
+    std::string file = (folder.empty() ? "." : folder) + "/" + word;
     struct stat status {};
     if (::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) && ::access(file.c_str(), X_OK) == 0) return file;
   }

@@ -39,8 +39,10 @@ std::string quotedWord(const std::string& word) {
 
 std::string quoted(const std::vector<std::string>& words) {
   std::string text;
-  for (const std::string& word : words)
-    text += (text.empty() ? "" : " ") + quotedWord(word);
+  for (const std::string& word : words) {
+    if (!text.empty()) text += ' ';
+    text += quotedWord(word);
+  }
   return text;
 }
 
@@ -50,7 +52,7 @@ std::vector<std::string> remoteWords(const Target& target, const std::string& ho
       "sh", "-c", kUnderLock, "serdesctl", target.lockFile, holder, std::to_string(seconds)};
   if (!target.tool.environment.empty()) words.emplace_back("env");
   for (const auto& [name, value] : target.tool.environment)
-    words.push_back(name + "=" + value);
+    words.push_back(std::string(name).append("=").append(value));
   words.insert(words.end(), target.tool.words.begin(), target.tool.words.end());
   return words;
 }

@@ -2,70 +2,83 @@
 
 Arguments: how, the trigger, a file to write process ids to. The real tool is in SERDES.
 """
+
+from __future__ import annotations
+
 import os
 import pathlib
 import subprocess
 import sys
 import time
+from collections.abc import Callable, Iterable, Iterator
+from functools import partial
+from itertools import cycle, repeat
 
 PROMPT = b"serdes: "
 END = b"\n\n" + PROMPT
-before_next = []  # printed before the answer to the next command
+before_next: list[bytes] = []  # printed before the answer to the next command
 
 
-def write(data):
+def write(data: bytes) -> None:
     os.write(1, data)
 
 
-def flood(_):
-    while True:
-        write(b"x" * 65536)
+# What a behaviour consists of: text to print, seconds to wait, something to do.
+Act = bytes | float | Callable[[], object]
+
+FOR_EVER = 1000.0
 
 
-def in_two(answer, at, pause=0.2):
-    write(answer[:at])
-    time.sleep(pause)
-    write(answer[at:])
+def byte_by_byte(answer: bytes) -> Iterator[Act]:
+    for i in range(len(answer)):
+        yield answer[i : i + 1]
+        yield 0.001
 
 
-HOW = {
-    "dies": lambda _: os._exit(7),
-    "is_killed": lambda _: os.kill(os.getpid(), 9),
-    "dies_in_answer": lambda answer: (write(answer[:5]), os._exit(0)),
-    "hangs": lambda _: time.sleep(1000),
-    "hangs_in_answer": lambda answer: (write(answer[:5]), time.sleep(1000)),
-    "closes_output": lambda _: (os.close(1), time.sleep(1000)),
-    "floods": flood,
-    "trickles": lambda _: [(write(b"x"), time.sleep(0.05)) for _ in range(100000)],
-    "is_slow": lambda answer: in_two(answer, len(answer) // 2),
-    "byte_by_byte": lambda answer: [(write(answer[i : i + 1]), time.sleep(0.001)) for i in range(len(answer))],
-    "garbage": lambda _: write(bytes(range(256)) * 3 + END),
-    "garbage_and_hangs": lambda _: (write(bytes(range(256))), time.sleep(1000)),
-    "no_message": lambda answer: write(b"something without a newline" + END),
+HOW: dict[str, Callable[[bytes], Iterable[Act]]] = {
+    "dies": lambda _: [partial(os._exit, 7)],
+    "is_killed": lambda _: [partial(os.kill, os.getpid(), 9)],
+    "dies_in_answer": lambda answer: [answer[:5], partial(os._exit, 0)],
+    "complains": lambda _: [partial(os.write, 2, b"something is broken\n"), partial(os._exit, 1)],
+    "hangs": lambda _: [FOR_EVER],
+    "hangs_in_answer": lambda answer: [answer[:5], FOR_EVER],
+    "closes_output": lambda _: [partial(os.close, 1), FOR_EVER],
+    "ignores_its_end": lambda _: [partial(os.close, 0), END + END, FOR_EVER],
+    "floods": lambda _: repeat(b"x" * 65536),
+    "trickles": lambda _: cycle([b"x", 0.05]),
+    "is_slow": lambda answer: [answer[: len(answer) // 2], 0.2, answer[len(answer) // 2 :]],
+    "byte_by_byte": byte_by_byte,
+    "garbage": lambda _: [bytes(range(256)) * 3 + END],
+    "garbage_and_hangs": lambda _: [bytes(range(256)), FOR_EVER],
+    "no_message": lambda _: [b"something without a newline" + END],
+    "message_in_output": lambda _: [b"unknown command\n\n\nmore\n" + END],
     # A table that looks like the prompt, just where a write ends.
-    "false_prompt": lambda answer: (
-        write(b"a table\n\n\nserdes: "),
-        time.sleep(0.2),
-        write(b"its name\n\n\n" + PROMPT),
-    ),
-    "extra_prompt": lambda answer: write(answer + PROMPT),
-    "extra_prompt_later": lambda answer: (write(answer), time.sleep(0.2), write(END)),
-    # A prompt too many after the next command has been sent.
-    "late_prompt": lambda answer: (write(answer), before_next.append(END)),
-    "message_in_output": lambda _: write(b"unknown command\n\n\nmore\n" + END),
-    "complains": lambda _: (os.write(2, b"something is broken\n"), os._exit(1)),
-    "copies_the_journal": lambda answer: (copy_journal(), write(answer)),
-    "ignores_its_end": lambda _: (os.close(0), write(END + END), time.sleep(1000)),
+    "false_prompt": lambda _: [b"a table\n\n\nserdes: ", 0.2, b"its name\n\n\n" + PROMPT],
+    "extra_prompt": lambda answer: [answer + PROMPT],
+    "extra_prompt_later": lambda answer: [answer, 0.2, END],
+    # After the next command has been sent.
+    "late_prompt": lambda answer: [answer, partial(before_next.append, END)],
+    "copies_the_journal": lambda answer: [copy_journal, answer],
 }
 
 
-def copy_journal():
+def perform(how: str, answer: bytes) -> None:
+    for act in HOW[how](answer):
+        if isinstance(act, bytes):
+            write(act)
+        elif callable(act):
+            act()
+        else:
+            time.sleep(act)
+
+
+def copy_journal() -> None:
     """What the journal holds before the trigger is answered."""
     journal = pathlib.Path(os.environ["SERDESCTL_JOURNAL"])
     (journal.parent / "seen").write_text((journal / "journal.jsonl").read_text())
 
 
-def read_line():
+def read_line() -> bytes:
     line = b""
     while not line.endswith(b"\n"):
         byte = os.read(0, 1)
@@ -75,7 +88,7 @@ def read_line():
     return line
 
 
-def read_answer(tool):
+def read_answer(tool: subprocess.Popen[bytes]) -> bytes:
     answer = b""
     while not answer.endswith(END):
         chunk = os.read(tool.stdout.fileno(), 65536)
@@ -86,12 +99,12 @@ def read_answer(tool):
     return answer
 
 
-def main():
+def main() -> None:
     how, trigger, pid_file = sys.argv[1:]
     tool = subprocess.Popen([os.environ["SERDES"]], stdin=subprocess.PIPE, stdout=subprocess.PIPE, bufsize=0)
     pathlib.Path(pid_file).write_text(f"{os.getpid()} {tool.pid}\n")
     if how == "start":
-        HOW[trigger](read_answer(tool))
+        perform(trigger, read_answer(tool))
     write(read_answer(tool))
     while True:
         line = read_line()
@@ -102,7 +115,7 @@ def main():
         answer = read_answer(tool)
         if line.decode().strip() == trigger:
             pathlib.Path(pid_file).with_name("triggered").touch()
-            HOW[how](answer)
+            perform(how, answer)
         else:
             write(answer)
 

@@ -1,14 +1,19 @@
 #!/usr/bin/env python3
 """The journal: on the disk before anything is sent, whole whatever happens, and bounded."""
+
+from __future__ import annotations
+
 import json
 import os
-import pathlib
 import resource
 import signal
 import socket
 import unittest
+from pathlib import Path
+from typing import Any
 
-from program import LIMIT_SECONDS, ProgramTest, main
+from program import ProgramTest
+from serdes_runs import LIMIT_SECONDS
 
 CHANGES = (
     "setFFE FFE3 115 -4 55 -25 0 0\nreadRx 0 0 1\nclearErrors 1\nrunTest 1 0 0 1\nwriteRx 0 0 99 1\nsetRate 8G 1\n"
@@ -16,18 +21,18 @@ CHANGES = (
 
 
 class Journal(ProgramTest):
-    def journal_file(self):
+    def journal_file(self) -> Path:
         return self.folder / "journal" / "journal.jsonl"
 
-    def records(self):
+    def records(self) -> list[dict[str, Any]]:
         return [json.loads(line) for line in self.journal_file().read_text().splitlines()]
 
-    def entries(self, *words):
+    def entries(self, *words: str) -> list[dict[str, Any]]:
         status, out, err = self.ctl("journal", "--json", *words)
         self.assertEqual((status, err), (0, ""))
         return [json.loads(line) for line in out.splitlines()]
 
-    def test_changes_and_nothing_else_are_recorded_with_their_results(self):
+    def test_changes_and_nothing_else_are_recorded_with_their_results(self) -> None:
         self.env.update(SUDO_USER="alice", SSH_CLIENT="192.0.2.1 5 22")
         self.assertEqual(self.run_script(CHANGES, "-t", "sim")[0], 1)
         entries = self.entries()
@@ -51,12 +56,12 @@ class Journal(ProgramTest):
             out.splitlines()[3], r"Z  \S+  alice as .* from 192.0.2.1  sim  writeRx 0 0 99 1  \(error during"
         )
 
-    def test_scripts_that_change_nothing_leave_no_journal(self):
+    def test_scripts_that_change_nothing_leave_no_journal(self) -> None:
         self.assertEqual(self.run_script("readRx 0 0 1\nsetRate ?\nsetAsicNum 1\n")[0], 0)
         self.assertFalse(self.journal_file().exists())
         self.assertEqual(self.entries(), [])
 
-    def test_what_is_shown_can_be_chosen(self):
+    def test_what_is_shown_can_be_chosen(self) -> None:
         self.run_script("setRate 8G 1\n", "-t", "sim")
         self.run_script("setRate 8G 2\n")
         first, second = self.entries()
@@ -71,13 +76,13 @@ class Journal(ProgramTest):
             self.assertEqual((status, out), (2, ""))
             self.assertIn(since, err)
 
-    def test_the_intent_is_there_before_the_command_is_answered(self):
+    def test_the_intent_is_there_before_the_command_is_answered(self) -> None:
         self.misbehaving("copies_the_journal", "setRate 8G 2")
         self.assertEqual(self.run_script("setRate 8G 1\nsetRate 8G 2\n")[0], 0)
         seen = [json.loads(line) for line in (self.folder / "seen").read_text().splitlines()]
         self.assertEqual([(r["n"], r["event"]) for r in seen], [(1, "intent"), (1, "answered"), (2, "intent")])
 
-    def test_kill_leaves_what_is_known(self):
+    def test_kill_leaves_what_is_known(self) -> None:
         self.misbehaving("hangs", "setRate 8G 2")
         process = self.start("run", self.script("setRate 8G 1\nreadRx 0 0 1\nsetRate 8G 2\nsetRate 8G 3\n"))
         self.wait_until(lambda: process.stdout.readline().startswith("Port 0"), "no answer")
@@ -86,7 +91,7 @@ class Journal(ProgramTest):
         process.wait()
         self.assertEqual([(e["result"], e["reason"]) for e in self.entries()], [("answered", ""), ("unknown", "")])
 
-    def test_interrupt_leaves_a_whole_journal(self):
+    def test_interrupt_leaves_a_whole_journal(self) -> None:
         self.misbehaving("hangs", "setRate 8G 2")
         process = self.start("run", self.script("readRx 0 0 1\nsetRate 8G 2\nsetRate 8G 3\n"))
         self.wait_until(lambda: process.stdout.readline().startswith("Port 0"), "no answer")
@@ -96,7 +101,7 @@ class Journal(ProgramTest):
         self.assertEqual(process.returncode, 130)
         self.assertEqual([(e["result"], e["reason"]) for e in self.entries()], [("unknown", "interrupted")])
 
-    def test_long_scripts_announce_many_at_once_and_drop_the_rest(self):
+    def test_long_scripts_announce_many_at_once_and_drop_the_rest(self) -> None:
         script = "setRate 8G 1\n" * 49 + "setFFE FFE3 255 1 1 1 1 99\n" + "setRate 8G 1\n" * 50
         script = script.replace("setFFE FFE3 255 1 1 1 1 99", "writeRx 0 0 99 1")
         self.assertEqual(self.run_script(script)[0], 1)
@@ -105,7 +110,7 @@ class Journal(ProgramTest):
         self.assertEqual(set(results[50:]), set() if len(results) == 50 else {"not sent"})
         self.assertLess(sum(r["event"] == "not sent" for r in self.records()), 2)
 
-    def test_a_torn_last_record_is_said_and_cut_off(self):
+    def test_a_torn_last_record_is_said_and_cut_off(self) -> None:
         self.run_script("setRate 8G 1\n")
         whole = self.journal_file().read_bytes()
         self.journal_file().write_bytes(whole + whole[:100])
@@ -117,20 +122,20 @@ class Journal(ProgramTest):
         self.assertIn("a record that was cut short is removed (100 bytes)", err)
         self.assertEqual(len(self.entries()), 2)
 
-    def test_a_journal_that_is_nothing_but_torn(self):
+    def test_a_journal_that_is_nothing_but_torn(self) -> None:
         self.journal_file().parent.mkdir()
         self.journal_file().write_bytes(b"x" * 10000)
         self.assertEqual(self.run_script("setRate 8G 1\n")[0], 0)
         self.assertEqual(len(self.entries()), 1)
 
-    def test_lines_that_are_no_records_are_left_out(self):
+    def test_lines_that_are_no_records_are_left_out(self) -> None:
         self.journal_file().parent.mkdir()
         self.journal_file().write_text('{"event":"intent"}\nnot json\n[1]\n' + "[" * 5000 + "\n")
         status, out, err = self.ctl("journal")
         self.assertEqual((status, out, err.count("no record")), (0, "", 4))
 
-    def test_without_room_for_the_journal_nothing_is_changed(self):
-        def no_room():
+    def test_without_room_for_the_journal_nothing_is_changed(self) -> None:
+        def no_room() -> None:
             signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
             resource.setrlimit(resource.RLIMIT_FSIZE, (700, 700))
 
@@ -144,8 +149,8 @@ class Journal(ProgramTest):
         self.assertRegex(err, r"journal .*journal.jsonl cannot be written: File too large")
         self.assertEqual(self.journal_file().read_bytes(), before)
 
-    def test_without_room_in_the_middle_what_follows_is_not_sent(self):
-        def little_room():
+    def test_without_room_in_the_middle_what_follows_is_not_sent(self) -> None:
+        def little_room() -> None:
             signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
             resource.setrlimit(resource.RLIMIT_FSIZE, (1500, 1500))
 
@@ -157,20 +162,20 @@ class Journal(ProgramTest):
         self.assertIn(len(self.entries()) - out.count("serdes: setRate"), (0, 1))
         self.assertIn(len(self.entries()), range(2, 10))
 
-    def test_a_journal_that_cannot_be_opened(self):
+    def test_a_journal_that_cannot_be_opened(self) -> None:
         self.env["SERDESCTL_JOURNAL"] = "/dev/null/journal"
         status, out, err = self.run_script("readRx 0 0 1\nsetRate 8G 1\n")
         self.assertEqual((status, out), (2, ""))
         self.assertIn("/dev/null/journal/journal.jsonl cannot be opened: Not a directory", err)
 
-    def test_the_users_own_folder(self):
+    def test_the_users_own_folder(self) -> None:
         del self.env["SERDESCTL_JOURNAL"]
         if os.access("/var/lib", os.W_OK):
             self.skipTest("this user's journal is the system's")
         self.run_script("setRate 8G 1\n")
         self.assertTrue((self.folder / ".local" / "state" / "serdesctl" / "journal.jsonl").exists())
 
-    def test_many_writers(self):
+    def test_many_writers(self) -> None:
         count = 6
         processes = []
         for number in range(count):
@@ -184,10 +189,10 @@ class Journal(ProgramTest):
         self.assertEqual({e["result"] for e in entries}, {"answered"})
 
     @unittest.skipIf(os.geteuid() != 0 or os.path.exists("/dev/log"), "needs a place for a syslog of its own")
-    def test_syslog_gets_a_copy(self):
+    def test_syslog_gets_a_copy(self) -> None:
         with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as syslog:
             syslog.bind("/dev/log")
-            self.addCleanup(pathlib.Path("/dev/log").unlink)
+            self.addCleanup(Path("/dev/log").unlink)
             syslog.settimeout(LIMIT_SECONDS)
             self.assertEqual(self.run_script("setRate 8G 1\n", "--syslog")[0], 0)
             for event in ("intent", "answered"):
@@ -195,4 +200,4 @@ class Journal(ProgramTest):
 
 
 if __name__ == "__main__":
-    main()
+    unittest.main()

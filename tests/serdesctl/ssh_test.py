@@ -1,34 +1,38 @@
 #!/usr/bin/env python3
 """Switches that ssh reaches: a real sshd on the loopback with keys of its own."""
+
+from __future__ import annotations
+
 import contextlib
 import getpass
 import os
-import pathlib
 import shutil
 import signal
 import socket
 import subprocess
 import unittest
+from pathlib import Path
 
-from program import LIMIT_SECONDS, SERDES, SWITCHES, ProgramTest, main, plain_tool
+from program import ProgramTest, children, plain_tool
+from serdes_runs import LIMIT_SECONDS, SERDES, shipped_switch
 
 SSHD = shutil.which("sshd", path=os.environ.get("PATH", "") + ":/usr/sbin:/sbin")
 SSH = shutil.which("ssh")
 
 
-def free_port():
+def free_port() -> int:
     with socket.socket() as probe:
         probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
+        return int(probe.getsockname()[1])
 
 
-def key(path):
+def key(path: Path) -> None:
     subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", path], check=True)
 
 
 @unittest.skipUnless(SSHD and SSH, "no sshd here: scripts/install-dependencies openssh-server")
 class Ssh(ProgramTest):
-    def setUp(self):
+    def setUp(self) -> None:
         super().setUp()
         self.port = free_port()
         self.folder.chmod(0o755)
@@ -57,11 +61,11 @@ class Ssh(ProgramTest):
         targets.write_text(
             f'[lab]\nssh = "lab"\nlock = "{self.folder}/remote.lock"\n'
             f'[awkward]\nssh = "lab"\nlock = "{self.folder}/re$(id)mote\'s `lock`"\n'
-            f'command = ["{tool}"]\nenvironment = {{ SERDES_SIMULATOR_SWITCH = "{SWITCHES}/awkward.toml" }}\n'
+            f'command = ["{tool}"]\nenvironment = {{ SERDES_SIMULATOR_SWITCH = "{shipped_switch("awkward")}" }}\n'
             f'[trap]\nssh = "lab"\nlock = "{self.folder}/remote.lock"\ncommand = ["serdes", "$(touch {self.folder}/trapped)"]\n'
         )
 
-    def start_sshd(self, path):
+    def start_sshd(self, path: str) -> None:
         if os.geteuid() == 0:
             os.makedirs("/run/sshd", exist_ok=True)
         config = self.folder / "sshd_config"
@@ -75,15 +79,17 @@ class Ssh(ProgramTest):
         self.addCleanup(sshd.kill)
         self.wait_until(self.answers, "sshd does not start")
 
-    def answers(self):
+    def answers(self) -> bool:
         with contextlib.suppress(OSError), socket.create_connection(("127.0.0.1", self.port), timeout=1):
             return True
         return False
 
-    def assert_lock_is_free(self, name="remote.lock"):
-        self.assertEqual(subprocess.run(["flock", "-n", self.folder / name, "true"], check=False).returncode, 0)
+    def assert_lock_is_free(self) -> None:
+        self.assertEqual(
+            subprocess.run(["flock", "-n", self.folder / "remote.lock", "true"], check=False).returncode, 0
+        )
 
-    def test_answers_are_the_tools(self):
+    def test_answers_are_the_tools(self) -> None:
         script = "setFFE FFE3 115 -4 55 -25 0 gl\nshowRx all\nshowFFE 0-3\n"
         for target in ("lab", "ssh:lab"):
             with self.subTest(target):
@@ -91,7 +97,7 @@ class Ssh(ProgramTest):
                 self.assertEqual((status, err), (0, ""))
                 self.assertEqual(out, plain_tool(script, self.env))
 
-    def test_words_are_taken_as_they_are(self):
+    def test_words_are_taken_as_they_are(self) -> None:
         status, out, err = self.run_script("showConfig\n", "-t", "awkward")
         self.assertEqual((status, err), (0, ""))
         self.assertIn("%s%n%d", out)
@@ -101,12 +107,12 @@ class Ssh(ProgramTest):
         self.assertIn("Error openning file", err)  # the tool got the word and took it for a script
         self.assertFalse((self.folder / "trapped").exists())
 
-    def in_loop(self):
+    def in_loop(self) -> subprocess.Popen[str]:
         process = self.start("-t", "lab", "run", self.script("loop readRx 0 0 1\n"))
         self.wait_until(lambda: "0x01" in process.stdout.readline(), "no answer")
         return process
 
-    def test_the_lock_is_on_the_other_machine(self):
+    def test_the_lock_is_on_the_other_machine(self) -> None:
         first = self.in_loop()
         status, _, err = self.run_script("readRx 0 0 1\n", "-t", "lab")
         self.assertEqual(status, 5)
@@ -116,18 +122,18 @@ class Ssh(ProgramTest):
         _, err = second.communicate(timeout=LIMIT_SECONDS)
         self.assertEqual((second.returncode, err), (0, ""))
 
-    def test_kill_leaves_no_tool_and_no_lock(self):
+    def test_kill_leaves_no_tool_and_no_lock(self) -> None:
         process = self.in_loop()
         pids = self.tool_pids()
         process.kill()
         self.assert_ended(pids)
         self.assert_lock_is_free()
 
-    def test_a_dropped_connection_leaves_no_tool_and_no_lock(self):
+    def test_a_dropped_connection_leaves_no_tool_and_no_lock(self) -> None:
         process = self.in_loop()
         pids = self.tool_pids()
-        clients = subprocess.run(["pgrep", "-P", str(process.pid)], capture_output=True, text=True, check=True)
-        os.kill(int(clients.stdout), signal.SIGKILL)
+        (client,) = children(process.pid)
+        os.kill(client, signal.SIGKILL)
         _, err = process.communicate(timeout=LIMIT_SECONDS)
         self.assertEqual(
             (process.returncode, err), (3, "serdesctl: lab: the tool ended by signal 9 between commands\n")
@@ -135,14 +141,14 @@ class Ssh(ProgramTest):
         self.assert_ended(pids)
         self.assert_lock_is_free()
 
-    def test_a_tool_that_ends(self):
+    def test_a_tool_that_ends(self) -> None:
         process = self.in_loop()
         os.kill(self.tool_pids()[0], signal.SIGKILL)
         _, err = process.communicate(timeout=LIMIT_SECONDS)
         self.assertEqual(process.returncode, 3, err)
         self.assertIn("between commands", err)
 
-    def test_switches_that_cannot_be_reached(self):
+    def test_switches_that_cannot_be_reached(self) -> None:
         (self.folder / "authorized").write_text("")
         status, _, err = self.run_script("readRx 0 0 1\n", "-t", "lab")
         self.assertEqual(status, 3)
@@ -153,14 +159,14 @@ class Ssh(ProgramTest):
         self.assertEqual(status, 3)
         self.assertIn("Connection refused", err)
 
-    def test_a_switch_without_the_tool(self):
+    def test_a_switch_without_the_tool(self) -> None:
         (self.folder / "tools" / "serdes").unlink()
         status, _, err = self.run_script("readRx 0 0 1\n", "-t", "lab")
         self.assertEqual(status, 3)
         self.assertRegex(err, "ended with status 127 in the start: .*serdes.*not found")
 
-    def test_a_lock_that_cannot_be_opened(self):
-        targets = pathlib.Path(self.env["HOME"]) / ".config" / "serdesctl" / "targets.toml"
+    def test_a_lock_that_cannot_be_opened(self) -> None:
+        targets = Path(self.env["HOME"]) / ".config" / "serdesctl" / "targets.toml"
         targets.write_text('[lab]\nssh = "lab"\nlock = "/dev/null/lock"\n')
         status, _, err = self.run_script("readRx 0 0 1\n", "-t", "lab")
         self.assertEqual(status, 3)
@@ -168,4 +174,4 @@ class Ssh(ProgramTest):
 
 
 if __name__ == "__main__":
-    main()
+    unittest.main()
