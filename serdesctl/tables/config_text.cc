@@ -77,8 +77,8 @@ ConfigSide readSide(TextCursor& text, const char* side, std::string_view behind)
   text.expect("(linkCount:");
   result.links = text.unsignedNumber();
   text.expect(", ");
-  TextCursor inside(text.upTo(behind), "showConfig");
-  result.serDesType = inside.upToLast(", coreId:");
+  TextCursor inside(text.until(behind), "showConfig");
+  result.serDesType = inside.untilLast(", coreId:");
   result.core = inside.unsignedNumber();
   inside.expectEnd();
   return result;
@@ -157,7 +157,7 @@ ConfigCore readCore(TextCursor& text, std::vector<ConfigPort>& ports) {
 
 ConfigType readType(TextCursor& text) {
   ConfigType type;
-  type.name = text.upToLast(" useCount:");
+  type.name = text.untilLast(" useCount:");
   type.useCount = text.unsignedNumber();
   text.expect("\n");
   return type;

@@ -43,16 +43,16 @@ std::uint32_t TextCursor::hexNumber() {
 }
 
 std::string_view TextCursor::line() {
-  return upTo("\n");
+  return until("\n");
 }
 
-std::string_view TextCursor::upTo(std::string_view end) {
+std::string_view TextCursor::until(std::string_view end) {
   const std::size_t length = rest().find(end);
   if (length == std::string_view::npos) fail("'" + std::string(end) + "'");
   return take(length, end.size());
 }
 
-std::string_view TextCursor::upToLast(std::string_view end) {
+std::string_view TextCursor::untilLast(std::string_view end) {
   const std::size_t length = rest().substr(0, rest().find('\n')).rfind(end);
   if (length == std::string_view::npos) fail("'" + std::string(end) + "'");
   return take(length, end.size());

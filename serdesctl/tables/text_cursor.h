@@ -37,9 +37,9 @@ class TextCursor {
 
   // The rest of the line, its newline consumed.
   std::string_view line();
-  // Up to `end`, which is consumed; the first one, or the last one in this line.
-  std::string_view upTo(std::string_view end);
-  std::string_view upToLast(std::string_view end);
+  // Up to `end`, which is consumed: the first one, or the last one in this line.
+  std::string_view until(std::string_view end);
+  std::string_view untilLast(std::string_view end);
 
   void expectEnd();
 

@@ -269,7 +269,7 @@ class CommandLine(ProgramTest):
         self.assertTrue((self.folder / "lab.lock").exists())
         for text, why in (
             ("lab = 1\n", "1: lab.: is not a table"),
-            ('[lab]\n\ncommad = ["x"]\n', "3: lab.commad: is none of"),
+            ('[lab]\n\norder = ["x"]\n', "3: lab.order: is none of"),
             ('[lab]\ncommand = "x y"\n', "2: lab.command: is not a list of words"),
             ("[lab]\ncommand = []\n", "2: lab.command: is not a list of words"),
             ('[lab]\nlock = "x"\n', "1: lab.command: is missing"),
