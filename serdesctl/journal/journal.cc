@@ -24,8 +24,13 @@ constexpr const char* kAnswered = "answered";
 constexpr const char* kUnknown = "unknown";
 constexpr const char* kNotSent = "not sent";
 
-std::string lineOf(const Json& record) {
-  return record.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+// A text as JSON has it. The records are put together by hand, since a long script makes thousands of them.
+std::string quotedText(const std::string& text) {
+  return Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string field(const char* name, const std::string& value) {
+  return std::string(",\"").append(name).append("\":").append(value);
 }
 
 // Unique without asking anybody: the time to the microsecond, and the process.
@@ -35,8 +40,10 @@ std::string newRun() {
   return name + "-" + std::to_string(::getpid());
 }
 
-Json record(const std::string& run, std::size_t number, const char* event) {
-  return {{"time", utcText(utcNow())}, {"run", run}, {"n", number}, {"event", event}};
+// The fields that every record has.
+std::string recordHead(const std::string& run, std::size_t number, const char* event) {
+  return std::string("{\"time\":\"").append(utcText(utcNow())).append("\"") + field("run", "\"" + run + "\"") +
+         field("n", std::to_string(number)) + field("event", std::string("\"").append(event).append("\""));
 }
 
 using Position = std::pair<std::string, std::size_t>;
@@ -101,45 +108,33 @@ class EntryReader {
 
 RunJournal::RunJournal(JournalFile file, const std::string& target, bool toSyslog)
     : file_(std::move(file)),
-      user_(userName()),
-      from_(origin()),
-      host_(hostName()),
-      target_(target),
+      who_(field("user", quotedText(userName())) + field("from", quotedText(origin())) +
+           field("host", quotedText(hostName())) + field("target", quotedText(target))),
       toSyslog_(toSyslog),
       run_(newRun()) {}
 
 void RunJournal::intend(std::span<const std::string> commands) {
   std::string lines;
   std::size_t number = intended_;
-  for (const std::string& command : commands) {
-    Json intent = record(run_, ++number, kIntent);
-    intent.update({{"user", user_}, {"from", from_}, {"host", host_}, {"target", target_}});
-    intent["command"] = command;
-    lines += lineOf(intent);
-  }
+  for (const std::string& command : commands)
+    lines += recordHead(run_, ++number, kIntent) + who_ + field("command", quotedText(command)) + "}\n";
   write(lines, true);
   intended_ = number;
 }
 
 void RunJournal::answered(CmdStatus status) {
-  Json answer = record(run_, ++settled_, kAnswered);
-  answer["status"] = static_cast<int>(status);
-  write(lineOf(answer), false);
+  write(recordHead(run_, ++settled_, kAnswered) + field("status", std::to_string(status)) + "}\n", false);
 }
 
 void RunJournal::lost(const std::string& reason) {
   if (settled_ == intended_) return;
-  Json loss = record(run_, ++settled_, kUnknown);
-  loss["reason"] = reason;
-  tryToWrite(lineOf(loss));
+  tryToWrite(recordHead(run_, ++settled_, kUnknown) + field("reason", quotedText(reason)) + "}\n");
 }
 
 void RunJournal::dropRest() {
   if (settled_ == intended_) return;
-  Json drop = record(run_, settled_ + 1, kNotSent);
-  drop["to"] = intended_;
+  tryToWrite(recordHead(run_, settled_ + 1, kNotSent) + field("to", std::to_string(intended_)) + "}\n");
   settled_ = intended_;
-  tryToWrite(lineOf(drop));
 }
 
 void RunJournal::write(const std::string& lines, bool onDisk) {

@@ -31,10 +31,7 @@ class RunJournal : public ChangeLog {
   void tryToWrite(const std::string& line);
 
   JournalFile file_;
-  std::string user_;
-  std::string from_;
-  std::string host_;
-  std::string target_;
+  std::string who_;  // the fields that say it, where from, and about which target
   bool toSyslog_;
   std::string run_;
   std::size_t intended_ = 0;
