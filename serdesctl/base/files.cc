@@ -10,11 +10,13 @@
 #include <cstring>
 
 #include "serdesctl/base/errors.h"
+#include "serdesctl/base/waiting.h"
 
 namespace serdesctl {
 namespace {
 
 [[noreturn]] void failToRead(const std::string& name, int error) {
+  throwIfInterrupted();
   throw UsageError(name + ": " + errorText(error));
 }
 
@@ -24,7 +26,6 @@ std::string readToEnd(int descriptor, const std::string& name, std::size_t mostB
   while (text.size() <= mostBytes) {
     const ssize_t count = ::read(descriptor, block.data(), block.size());
     if (count == 0) return text;
-    if (count < 0 && errno == EINTR) continue;
     if (count < 0) failToRead(name, errno);
     text.append(block.data(), static_cast<std::size_t>(count));
   }

@@ -41,7 +41,8 @@ class Fd {
 // The operating system's words for an error.
 std::string errorText(int error = errno);
 
-// The whole of a file, "-" for standard input; throws UsageError "NAME: why" when it cannot be read or is longer.
+// The whole of a file, "-" for standard input; throws UsageError "NAME: why" when it cannot be read or is longer,
+// and Interrupted.
 std::string readFile(const std::string& name, std::size_t mostBytes);
 
 // Writes all of `text`; false with errno when that fails.

@@ -95,7 +95,7 @@ def end(process: subprocess.Popen[str]) -> None:
     if process.poll() is None:
         process.kill()
     process.wait()
-    for stream in (process.stdout, process.stderr):
+    for stream in (process.stdin, process.stdout, process.stderr):
         if stream:
             stream.close()
 

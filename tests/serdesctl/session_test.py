@@ -5,6 +5,7 @@ from __future__ import annotations
 
 import fcntl
 import os
+import re
 import signal
 import subprocess
 import time
@@ -177,6 +178,17 @@ class LeftBehind(ProgramTest):
         process.communicate(timeout=LIMIT_SECONDS)
         self.assertEqual(process.returncode, 130)
 
+    def test_interrupt_ends_the_wait_for_a_script(self) -> None:
+        pipe = self.folder / "pipe"
+        os.mkfifo(pipe)
+        for word, stdin in (("-", subprocess.PIPE), (str(pipe), subprocess.DEVNULL)):
+            process = self.start("run", word, stdin=stdin)
+            self.wait_until(lambda: handles(process.pid, signal.SIGINT), "it does not start")
+            time.sleep(0.2)
+            process.send_signal(signal.SIGINT)
+            self.wait_until(lambda: process.poll() is not None, "it does not end")
+            self.assertEqual(process.returncode, 130)
+
     def test_interrupt_ends_a_write_that_nobody_reads(self) -> None:
         process = self.start("run", self.script("showRx all\n" * 100))
         self.assertIn("\n", process.stdout.readline())
@@ -216,6 +228,11 @@ class LeftBehind(ProgramTest):
                     env=self.env, capture_output=True, text=True, timeout=LIMIT_SECONDS, check=False,
                 )  # fmt: skip
                 self.assertEqual(done.returncode, 1 if ">&-" in closed.replace("2>&-", "") else 0)
+
+
+def handles(pid: int, number: int) -> bool:
+    caught = re.search(r"SigCgt:\s*(\w+)", Path(f"/proc/{pid}/status").read_text())
+    return bool(caught) and int(caught[1], 16) >> (number - 1) & 1 == 1
 
 
 def sleeps(pid: int) -> bool:
