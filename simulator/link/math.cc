@@ -2,8 +2,8 @@
 // polynomial.
 #include "simulator/link/math.h"
 
+#include <array>
 #include <bit>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -19,6 +19,11 @@ constexpr double kLn2Low = 0x1.473de6af278edp-34;
 // 2^n for a normal result.
 double powerOfTwo(int n) {
   return std::bit_cast<double>(static_cast<std::uint64_t>(n + 1023) << 52);
+}
+
+// Nearest whole number, of |x| below 2^31. The C library's floor is a call on processors that have no instruction for it.
+int nearest(double x) {
+  return static_cast<int>(x < 0 ? x - 0.5 : x + 0.5);
 }
 
 // Sum of coefficients[i] x^i.
@@ -61,13 +66,30 @@ constexpr double kScaledErfc[] = {
     -3.392130686829088650e-12, 2.6158087668540244876e-13,  1.2127675803108640048e-13, -2.114689543244809158e-15,
     -4.117340933404178368e-15, -6.3287127217007086477e-17, 1.4393110983449847282e-16};
 
-}  // namespace
-
-Complex operator/(Complex a, Complex b) {
-  const double norm = magnitudeSquared(b);
-  if (norm == 0) return {};
-  return {(a.re * b.re + a.im * b.im) / norm, (a.im * b.re - a.re * b.im) / norm};
+constexpr double scaledErfc(double x) {
+  const double share = 4 / (4 + x);
+  const double u = 2 * share - 1;
+  double b1 = 0;
+  double b2 = 0;
+  for (std::size_t i = std::size(kScaledErfc) - 1; i > 0; --i) {
+    const double b0 = 2 * u * b1 - b2 + kScaledErfc[i];
+    b2 = b1;
+    b1 = b0;
+  }
+  return share * (u * b1 - b2 + kScaledErfc[0]);
 }
+
+// Q(x) exp(x^2 / 2) at every 1/kTailSteps, which changes so slowly that four derivatives reach from one to the next.
+constexpr double kTailEnd = 38;
+constexpr int kTailSteps = 32;
+constexpr auto kScaledTail = [] {
+  std::array<double, static_cast<std::size_t>(kTailEnd) * kTailSteps + 1> tail{};
+  for (std::size_t i = 0; i < tail.size(); ++i)
+    tail[i] = 0.5 * scaledErfc(static_cast<double>(i) / kTailSteps * 0.70710678118654752440);
+  return tail;
+}();
+
+}  // namespace
 
 double limited(double value, double low, double high) {
   if (value != value) value = 0;
@@ -77,8 +99,8 @@ double limited(double value, double low, double high) {
 
 double exponential(double x) {
   x = limited(x, -700, 700);
-  const double n = std::floor(x * (1 / (kLn2High + kLn2Low)) + 0.5);
-  return exponentialNearZero((x - n * kLn2High) - n * kLn2Low) * powerOfTwo(static_cast<int>(n));
+  const int n = nearest(x * (1 / (kLn2High + kLn2Low)));
+  return exponentialNearZero((x - n * kLn2High) - n * kLn2Low) * powerOfTwo(n);
 }
 
 double naturalLog(double x) {
@@ -120,18 +142,14 @@ double fromDb(double db) {
   return exponential(limited(db, -6000, 6000) * (1 / kNeperDb));
 }
 
-double toDb(double ratio) {
-  return naturalLog(ratio) * kNeperDb;
-}
-
 Complex unitPhasor(double x) {
   if (!(x > -1e9 && x < 1e9)) return {1, 0};
-  const double n = std::floor(x * (2 / kPi) + 0.5);
+  const int n = nearest(x * (2 / kPi));
   const double r = ((x - n * 0x1.921fb544p+0) - n * 0x1.0b4611a6p-34) - n * 0x1.3198a2e037073p-69;
   const double s = r * r;
   const double sine = r + r * s * polynomial(s, kSine);
   const double cosine = polynomial(s, kCosine);
-  switch (static_cast<std::int64_t>(n) & 3) {
+  switch (static_cast<unsigned>(n) & 3) {
     case 0:
       return {cosine, sine};
     case 1:
@@ -143,41 +161,40 @@ Complex unitPhasor(double x) {
   }
 }
 
-double complementaryError(double x) {
-  x = limited(x, -30, 30);
-  if (x < 0) return 2 - complementaryError(-x);
-  if (x > 26) return 0;
-  const double share = 4 / (4 + x);
-  const double u = 2 * share - 1;
-  double b1 = 0;
-  double b2 = 0;
-  for (std::size_t i = std::size(kScaledErfc) - 1; i > 0; --i) {
-    const double b0 = 2 * u * b1 - b2 + kScaledErfc[i];
-    b2 = b1;
-    b1 = b0;
-  }
-  return exponential(-x * x) * share * (u * b1 - b2 + kScaledErfc[0]);
+NormalTail normalTail(double x) {
+  constexpr double kPeak = 0.39894228040143267794;  // 1 / sqrt(2 pi)
+  x = limited(x, -kTailEnd, kTailEnd);
+  const double distance = x < 0 ? -x : x;
+  const int step = static_cast<int>(distance * kTailSteps + 0.5);
+  const double at = static_cast<double>(step) / kTailSteps;
+  // With y = Q exp(x^2 / 2): y' = x y - 1 / sqrt(2 pi), and so on.
+  const double y = kScaledTail[static_cast<std::size_t>(step)];
+  const double y1 = at * y - kPeak;
+  const double y2 = y + at * y1;
+  const double y3 = 2 * y1 + at * y2;
+  const double y4 = 3 * y2 + at * y3;
+  const double d = distance - at;
+  const double scaled = y + d * (y1 + d * (y2 * 0.5 + d * (y3 * (1.0 / 6) + d * (y4 * (1.0 / 24)))));
+  const double fall = exponential(-0.5 * distance * distance);
+  const double tail = scaled * fall;
+  return {x < 0 ? 1 - tail : tail, kPeak * fall};
 }
 
-double qFunction(double x) {
-  return 0.5 * complementaryError(x * 0.70710678118654752440);
-}
-
-double inverseQ(double ber) {
-  ber = limited(ber, 1e-290, 1 - 1e-15);
-  if (ber > 0.5) return -inverseQ(1 - ber);
-  // A start of the right size, then Newton's steps on ln Q, which is nearly a parabola.
-  const double target = naturalLog(ber);
-  double x = std::sqrt(-2 * target) - 1;
-  if (x < 0) x = 0;
-  for (int i = 0; i < 12; ++i) {
-    const double q = qFunction(x);
-    const double density = exponential(-0.5 * x * x) * 0.39894228040143267794;
-    if (q <= 0 || density <= 0) break;
-    x += (naturalLog(q) - target) * (q / density);
-    x = limited(x, 0, 36.5);
+NormalTail sumOfTails(std::span<const double> values, double offset, double most) {
+  constexpr double kSure = -9;  // the tail beyond it rounds to 1
+  NormalTail sum;
+  for (const double value : values) {
+    const double x = value - offset;
+    if (x > most) continue;
+    if (x < kSure) {
+      sum.probability += 1;
+      continue;
+    }
+    const NormalTail tail = normalTail(x);
+    sum.probability += tail.probability;
+    sum.density += tail.density;
   }
-  return x;
+  return sum;
 }
 
 }  // namespace simulator
