@@ -1,4 +1,4 @@
-// Columns of the eye, worked out once each.
+// Points of the eye, worked out once each and from the middle outwards.
 #include "simulator/link/eye_scan.h"
 
 #include <algorithm>
@@ -28,31 +28,23 @@ EyeScan::EyeScan(const Transmitter& transmitter, const Channel& channel, const R
   if (!signal_->readable()) signal_.reset();
 }
 
-const EyeScan::Column& EyeScan::column(int phase) {
-  std::optional<Column>& stored = columns_[static_cast<std::size_t>(phase + kMaxPhase)];
-  if (stored) return *stored;
-  const int none = errorExponent(0.5);
-  Column made;
-  made.fill(static_cast<std::uint8_t>(none));
-  const Decisions decisions = sampleAt(*signal_, static_cast<double>(phase) / kPhases).decisions;
-  int worst = 180;
-  for (std::size_t level = 0; level < made.size() && worst > none; ++level) {
-    worst = std::min(worst, errorExponent(decisions.errorRate(static_cast<double>(level) * signal_->lsbV)));
-    made[level] = static_cast<std::uint8_t>(worst);
+int EyeScan::worst(int phase, int magnitude) {
+  Column& column = columns_[static_cast<std::size_t>(phase + kMaxPhase)];
+  if (!column.decisions) column.decisions = sampleAt(*signal_, static_cast<double>(phase) / kPhases).decisions;
+  while (static_cast<int>(column.exponents.size()) <= magnitude) {
+    const int level = static_cast<int>(column.exponents.size());
+    int exponent = errorExponent(column.decisions->errorRate(level * signal_->lsbV));
+    if (level > 0) exponent = std::min(exponent, column.exponents.back());
+    if (phase != 0) exponent = std::min(exponent, worst(phase < 0 ? phase + 1 : phase - 1, level));
+    column.exponents.push_back(exponent);
   }
-  if (phase != 0) {
-    const Column& inner = column(phase < 0 ? phase + 1 : phase - 1);
-    for (std::size_t level = 0; level < made.size(); ++level)
-      made[level] = std::min(made[level], inner[level]);
-  }
-  stored = made;
-  return *stored;
+  return column.exponents[static_cast<std::size_t>(magnitude)];
 }
 
 int EyeScan::exponent(int phase, int level) {
   if (!signal_) return errorExponent(0.5);
-  const int magnitude = level < 0 ? std::min(-(level + 1), kMaxLevel - 1) + 1 : std::min(level, kMaxLevel);
-  return column(std::clamp(phase, -kMaxPhase, kMaxPhase))[static_cast<std::size_t>(magnitude)];
+  const int bounded = std::clamp(level, -kMaxLevel, kMaxLevel);
+  return worst(std::clamp(phase, -kMaxPhase, kMaxPhase), bounded < 0 ? -bounded : bounded);
 }
 
 double EyeScan::edgeUi(int direction) const {

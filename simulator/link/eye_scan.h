@@ -3,9 +3,9 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "simulator/link/received.h"
 
@@ -35,13 +35,17 @@ class EyeScan {
   int widthMilliUi() const;
 
  private:
-  using Column = std::array<std::uint8_t, kMaxLevel + 1>;  // by the level's magnitude: zeros mirror ones
+  // By the level's magnitude, as far out as was asked for: zeros mirror ones.
+  struct Column {
+    std::optional<Decisions> decisions;
+    std::vector<int> exponents;
+  };
 
-  const Column& column(int phase);
+  int worst(int phase, int magnitude);
   double edgeUi(int direction) const;
 
   std::optional<ReceivedSignal> signal_;  // none where there is nothing to sample
-  std::array<std::optional<Column>, 2 * kMaxPhase + 1> columns_;
+  std::array<Column, 2 * kMaxPhase + 1> columns_;
 };
 
 }  // namespace simulator

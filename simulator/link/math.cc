@@ -17,18 +17,18 @@ constexpr double kLn2High = 0x1.62e42fefp-1;  // 32 bits, so that its product wi
 constexpr double kLn2Low = 0x1.473de6af278edp-34;
 
 // 2^n for a normal result.
-double powerOfTwo(int n) {
+constexpr double powerOfTwo(int n) {
   return std::bit_cast<double>(static_cast<std::uint64_t>(n + 1023) << 52);
 }
 
 // Nearest whole number, of |x| below 2^31. The C library's floor is a call on processors that have no instruction for it.
-int nearest(double x) {
+constexpr int nearest(double x) {
   return static_cast<int>(x < 0 ? x - 0.5 : x + 0.5);
 }
 
 // Sum of coefficients[i] x^i.
 template <std::size_t N>
-double polynomial(double x, const double (&coefficients)[N]) {
+constexpr double polynomial(double x, const double (&coefficients)[N]) {
   double sum = coefficients[N - 1];
   for (std::size_t i = N - 1; i > 0; --i)
     sum = sum * x + coefficients[i - 1];
@@ -52,7 +52,7 @@ constexpr double kCosine[] = {1,
 constexpr double kSine[] = {-1.0 / 6,        1.0 / 120,        -1.0 / 5040,         1.0 / 362880,
                             -1.0 / 39916800, 1.0 / 6227020800, -1.0 / 1307674368000};
 
-double exponentialNearZero(double r) {
+constexpr double exponentialNearZero(double r) {
   const double s = r * r;
   return polynomial(s, kExponentialEven) + r * polynomial(s, kExponentialOdd);
 }
@@ -79,15 +79,40 @@ constexpr double scaledErfc(double x) {
   return share * (u * b1 - b2 + kScaledErfc[0]);
 }
 
-// Q(x) exp(x^2 / 2) at every 1/kTailSteps, which changes so slowly that four derivatives reach from one to the next.
-constexpr double kTailEnd = 38;
-constexpr int kTailSteps = 32;
-constexpr auto kScaledTail = [] {
-  std::array<double, static_cast<std::size_t>(kTailEnd) * kTailSteps + 1> tail{};
-  for (std::size_t i = 0; i < tail.size(); ++i)
-    tail[i] = 0.5 * scaledErfc(static_cast<double>(i) / kTailSteps * 0.70710678118654752440);
-  return tail;
+// e^x for |x| up to 700.
+constexpr double exponentialInRange(double x) {
+  const int n = nearest(x * (1 / (kLn2High + kLn2Low)));
+  return exponentialNearZero((x - n * kLn2High) - n * kLn2Low) * powerOfTwo(n);
+}
+
+// The tail at every 1/kTailSteps, so close together that a few derivatives reach from one to the next.
+constexpr int kTailEnd = 12;
+constexpr int kTailSteps = 64;
+constexpr auto kTails = [] {
+  std::array<NormalTail, kTailEnd * kTailSteps + 1> tails{};
+  for (std::size_t i = 0; i < tails.size(); ++i) {
+    const double x = static_cast<double>(i) / kTailSteps;
+    const double fall = exponentialInRange(-0.5 * x * x);
+    tails[i] = {0.5 * scaledErfc(x * 0.70710678118654752440) * fall, 0.39894228040143267794 * fall};
+  }
+  return tails;
 }();
+
+inline NormalTail tailInRange(double x) {
+  const double distance = x < 0 ? -x : x;
+  const int step = static_cast<int>(distance * kTailSteps + 0.5);
+  const NormalTail& near = kTails[static_cast<std::size_t>(step)];
+  const double at = static_cast<double>(step) * (1.0 / kTailSteps);
+  const double d = distance - at;
+  // The density's derivatives are Hermite polynomials times it.
+  const double h2 = at * at - 1;
+  const double h3 = at * (h2 - 2);
+  const double h4 = at * h3 - 3 * h2;
+  const double area = 1 - d * (at * (1.0 / 2) - d * (h2 * (1.0 / 6) - d * (h3 * (1.0 / 24) - d * h4 * (1.0 / 120))));
+  const double height = 1 - d * (at - d * (h2 * (1.0 / 2) - d * h3 * (1.0 / 6)));
+  const double tail = near.probability - near.density * d * area;
+  return {x < 0 ? 1 - tail : tail, near.density * height};
+}
 
 }  // namespace
 
@@ -98,9 +123,7 @@ double limited(double value, double low, double high) {
 }
 
 double exponential(double x) {
-  x = limited(x, -700, 700);
-  const int n = nearest(x * (1 / (kLn2High + kLn2Low)));
-  return exponentialNearZero((x - n * kLn2High) - n * kLn2Low) * powerOfTwo(n);
+  return exponentialInRange(limited(x, -700, 700));
 }
 
 double naturalLog(double x) {
@@ -162,26 +185,12 @@ Complex unitPhasor(double x) {
 }
 
 NormalTail normalTail(double x) {
-  constexpr double kPeak = 0.39894228040143267794;  // 1 / sqrt(2 pi)
-  x = limited(x, -kTailEnd, kTailEnd);
-  const double distance = x < 0 ? -x : x;
-  const int step = static_cast<int>(distance * kTailSteps + 0.5);
-  const double at = static_cast<double>(step) / kTailSteps;
-  // With y = Q exp(x^2 / 2): y' = x y - 1 / sqrt(2 pi), and so on.
-  const double y = kScaledTail[static_cast<std::size_t>(step)];
-  const double y1 = at * y - kPeak;
-  const double y2 = y + at * y1;
-  const double y3 = 2 * y1 + at * y2;
-  const double y4 = 3 * y2 + at * y3;
-  const double d = distance - at;
-  const double scaled = y + d * (y1 + d * (y2 * 0.5 + d * (y3 * (1.0 / 6) + d * (y4 * (1.0 / 24)))));
-  const double fall = exponential(-0.5 * distance * distance);
-  const double tail = scaled * fall;
-  return {x < 0 ? 1 - tail : tail, kPeak * fall};
+  return tailInRange(limited(x, -kTailEnd, kTailEnd));
 }
 
 NormalTail sumOfTails(std::span<const double> values, double offset, double most) {
   constexpr double kSure = -9;  // the tail beyond it rounds to 1
+  most = limited(most, kSure, kTailEnd);
   NormalTail sum;
   for (const double value : values) {
     const double x = value - offset;
@@ -190,7 +199,7 @@ NormalTail sumOfTails(std::span<const double> values, double offset, double most
       sum.probability += 1;
       continue;
     }
-    const NormalTail tail = normalTail(x);
+    const NormalTail tail = tailInRange(x);
     sum.probability += tail.probability;
     sum.density += tail.density;
   }

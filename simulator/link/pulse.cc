@@ -11,6 +11,15 @@ namespace simulator {
 
 namespace {
 
+// Weights of the four samples around a point `fraction` of a step after the second (Lagrange).
+std::array<double, 4> cubicWeights(double fraction) {
+  const double a = fraction + 1;
+  const double b = fraction;
+  const double c = fraction - 1;
+  const double d = fraction - 2;
+  return {-b * c * d / 6, a * c * d / 2, -a * b * d / 2, a * b * c / 6};
+}
+
 // Reads the periodic pulse at any whole sample.
 class PeriodicSamples {
  public:
@@ -33,14 +42,6 @@ std::int64_t highestSample(Pulse pulse) {
 }
 
 }  // namespace
-
-std::array<double, 4> cubicWeights(double fraction) {
-  const double a = fraction + 1;
-  const double b = fraction;
-  const double c = fraction - 1;
-  const double d = fraction - 2;
-  return {-b * c * d / 6, a * c * d / 2, -a * b * d / 2, a * b * c / 6};
-}
 
 double samplingInstant(Pulse pulse) {
   const PeriodicSamples p(pulse);

@@ -13,9 +13,6 @@ namespace simulator {
 inline constexpr unsigned kSamplesPerUi = 16;
 using Pulse = std::span<const double>;
 
-// Weights of the four samples around a point `fraction` of a step after the second (Lagrange).
-std::array<double, 4> cubicWeights(double fraction);
-
 // Where a bang-bang clock recovery settles: p(ts - 1/2) = p(ts + 1/2), the crossing nearest the peak, in UI.
 double samplingInstant(Pulse pulse);
 
