@@ -21,16 +21,16 @@ double aboutInverseTail(double probability) {
   return x - naturalLog(x * 2.5066) / x;
 }
 
-// Where a rising probability `tail(x)` reaches `target`, between `low` and `high`, to 1e-6 of `scale`. sqrt(-2 ln p) is
+// Where a rising probability `tail(x)` reaches `target`, between `low` and `high`, to 1e-6 of `sigma`. sqrt(-2 ln p) is
 // nearly a straight line, along which a step or two suffice; where it is not, halving closes in.
 template <typename Tail>
-double whereReached(Tail tail, double target, double start, double low, double high, double scale) {
+double whereReached(Tail tail, double target, double start, double low, double high, double sigma) {
   const double wanted = std::sqrt(-2 * naturalLog(target));
   double x = limited(start, low, high);
   for (int i = 0; i < 60; ++i) {
     const NormalTail at = tail(x);
     (at.probability > target ? high : low) = x;
-    if (high - low < 1e-6 * scale) break;
+    if (high - low < 1e-6 * sigma) break;
     double step = (low + high) / 2 - x;
     double close = 0;
     if (at.density > 0 && at.probability > 0 && at.probability < 1) {
@@ -39,7 +39,7 @@ double whereReached(Tail tail, double target, double start, double low, double h
       // A step this short is short of its aim by the square of it.
       if (x + straight > low && x + straight < high) {
         step = straight;
-        close = 1e-3 * scale;
+        close = 1e-3 * sigma;
       }
     }
     x += step;
@@ -128,7 +128,7 @@ double Decisions::levelAt(double probability) const {
   const double sigmas = aboutInverseTail(probability);
   const LevelDistribution& levels = paths_.front().levels;
   return whereReached([&](double level) { return below(level, sigmas + kSurplus); }, probability, levels.about(sigmas),
-                      -levels.reach(), levels.reach(), levels.spread());
+                      -levels.reach(), levels.reach(), levels.sigma());
 }
 
 double Decisions::offsetAt(double rate) const {
@@ -140,7 +140,7 @@ double Decisions::offsetAt(double rate) const {
     const NormalTail beneath = below(sensitivity_ - offset, sigmas + kSurplus);
     return NormalTail{(above.probability + beneath.probability) / 2, (above.density - beneath.density) / 2};
   };
-  return whereReached(tail, rate, levels.about(sigmas) - sensitivity_, 0, levels.reach(), levels.spread());
+  return whereReached(tail, rate, levels.about(sigmas) - sensitivity_, 0, levels.reach(), levels.sigma());
 }
 
 }  // namespace simulator

@@ -24,9 +24,9 @@ class LevelDistribution {
   NormalTail below(double level, double certain) const;
   // About where a one falls short with the probability of a normal distribution's tail beyond `sigmas`.
   double about(double sigmas) const;
-  // rms of everything about the main cursor, and how far from that no level is.
-  double spread() const {
-    return spread_;
+  // rms of the Gaussian noise, and how far from 0 no level is.
+  double sigma() const {
+    return 1 / perSigma_;
   }
   double reach() const {
     return reach_;
