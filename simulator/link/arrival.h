@@ -16,8 +16,8 @@ constexpr bool usableBaud(double baudGbd) {
   return baudGbd >= kMinBaudGbd && baudGbd <= kMaxBaudGbd;
 }
 
-// The period over which a pulse is worked out. It grows by powers of two, so that the latest echo comes with as much room
-// as a pulse without echoes has, and does not wrap round.
+// The period over which a pulse is worked out. It grows by powers of two, so that the latest echo comes with as much
+// room as a pulse without echoes has, and does not wrap round.
 inline constexpr unsigned kPulseUi = 64;
 inline constexpr unsigned kMaxPulseUi = 1024;
 // The latest echo that fits at a baud. At a baud where an echo does not, its power counts as noise.

@@ -21,8 +21,8 @@ constexpr double kReferenceGHz = 4.25;
 using Spectrum = std::array<double, kBins>;
 
 // Adds `share` of what the transmitter sends on random bits, A^2 2 T sinc^2(f T) |edge|^2 |FFE|^2, at k kStepGHz, times
-// k^2: coupling that rises with f takes away the fall of the sinc. The factors follow from bin to bin by multiplication:
-// turns by a fixed angle, and a Gaussian by a quotient that itself falls by another.
+// k^2: coupling that rises with f takes away the fall of the sinc. The factors follow from bin to bin by
+// multiplication: turns by a fixed angle, and a Gaussian by a quotient that itself falls by another.
 void addSent(const Aggressor& aggressor, double share, Spectrum& sent) {
   const double amplitude = driveAmplitude(aggressor.transmitter);
   const auto [c0, c1, c2, c3] = normalisedTaps(aggressor.transmitter);

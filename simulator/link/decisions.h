@@ -13,8 +13,8 @@ namespace simulator {
 
 inline constexpr double kBerFloor = 1e-18;  // no link is reported better
 
-// A main cursor, plus or minus the eight largest residual cursors, plus or minus a bounded jitter, each sign as likely as
-// the other, with Gaussian noise in which the smaller residuals are folded.
+// A main cursor, plus or minus the eight largest residual cursors, plus or minus a bounded jitter, each sign as likely
+// as the other, with Gaussian noise in which the smaller residuals are folded.
 class LevelDistribution {
  public:
   LevelDistribution(double main, std::span<const double> residuals, double jitter, double sigma);

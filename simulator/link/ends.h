@@ -26,15 +26,15 @@ struct Transmitter {
 
 // Receive settings of a link, and what the part itself is like.
 struct Receiver {
-  unsigned dfeTaps = 3;                      // 0, 1, 3 or 5
-  int pole = 6;                              // bandwidth, 0..7
-  int peak = 4;                              // peaking, 0..7, 1.5 dB a step
-  int amax = 0x4e;                           // reading to which the gain brings the main cursor, 1..127 LSB
-  bool adapt = true;                         // false: the DFE stands at heldTaps
-  std::array<double, 10> heldTaps{};         // LSB; H1 even, H1 odd, H2 even, ... H5 odd
-  double evenOddMismatch = 0.02;             // relative gain difference of the even and odd decision paths; +-0.2
-  double offsetLsb = 0;                      // of the converter; shows in An; +-16
-  double signalDetectMv = kSignalDetectMv;   // a swing below is no signal; peak to peak differential, 0..2000
+  unsigned dfeTaps = 3;                     // 0, 1, 3 or 5
+  int pole = 6;                             // bandwidth, 0..7
+  int peak = 4;                             // peaking, 0..7, 1.5 dB a step
+  int amax = 0x4e;                          // reading to which the gain brings the main cursor, 1..127 LSB
+  bool adapt = true;                        // false: the DFE stands at heldTaps
+  std::array<double, 10> heldTaps{};        // LSB; H1 even, H1 odd, H2 even, ... H5 odd
+  double evenOddMismatch = 0.02;            // relative gain difference of the even and odd decision paths; +-0.2
+  double offsetLsb = 0;                     // of the converter; shows in An; +-16
+  double signalDetectMv = kSignalDetectMv;  // a swing below is no signal; peak to peak differential, 0..2000
   bool operator==(const Receiver&) const = default;
 };
 

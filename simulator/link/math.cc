@@ -21,7 +21,8 @@ constexpr double powerOfTwo(int n) {
   return std::bit_cast<double>(static_cast<std::uint64_t>(n + 1023) << 52);
 }
 
-// Nearest whole number, of |x| below 2^31. The C library's floor is a call on processors that have no instruction for it.
+// Nearest whole number, of |x| below 2^31. The C library's floor is a call on processors that have no instruction for
+// it.
 constexpr int nearest(double x) {
   return static_cast<int>(x < 0 ? x - 0.5 : x + 0.5);
 }

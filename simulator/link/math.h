@@ -47,8 +47,8 @@ double fromDb(double db);
 // cos x + j sin x, absolute error below 1e-15 for |x| below 1e5 (beyond 1e9 the angle counts as 0).
 Complex unitPhasor(double x);
 
-// Upper tail of the normal distribution, relative error below 1e-9: Q(x) = erfc(x / sqrt 2) / 2, the bit error rate at an
-// eye of x sigma, with its density exp(-x^2 / 2) / sqrt(2 pi) to 1e-5. x is limited to +-12.
+// Upper tail of the normal distribution, relative error below 1e-9: Q(x) = erfc(x / sqrt 2) / 2, the bit error rate at
+// an eye of x sigma, with its density exp(-x^2 / 2) / sqrt(2 pi) to 1e-5. x is limited to +-12.
 struct NormalTail {
   double probability = 0;
   double density = 0;

@@ -47,9 +47,9 @@ bool samePace(double baudGbd, double farBaudGbd);
 // The whole link. baudGbd is that of both ends. A baud outside kMinBaudGbd..kMaxBaudGbd is no signal, and neither is a
 // swing below the receiver's signalDetectMv; an amax of 0 or less leaves the receiver without lock.
 //
-// Bit error rate: mean of Q((h0 +- ISI +- jitter - 2 LSB) / sigma) times errorPropagation, between kBerFloor and 0.5; of
-// taps that are held the mean of both decision paths. Amin is the level that takes the place of the 2 LSB for a rate of
-// 1e-6, so that it reads above 2 just when the rate is lower than that.
+// Bit error rate: mean of Q((h0 +- ISI +- jitter - 2 LSB) / sigma) times errorPropagation, between kBerFloor and 0.5;
+// of taps that are held the mean of both decision paths. Amin is the level that takes the place of the 2 LSB for a rate
+// of 1e-6, so that it reads above 2 just when the rate is lower than that.
 LinkResult evaluateLink(const Transmitter& transmitter, const Channel& channel, const Receiver& receiver,
                         double baudGbd, std::span<const Aggressor> aggressors = {});
 

@@ -85,8 +85,7 @@ Sample sampleAt(const ReceivedSignal& signal, double phaseUi) {
   const double h0 = cursors[0];
   const double slopePower = sumOfSquares(slopesAt(pulse, instant));
   const double transmitterNoise = h0 * fromDb(-kTransmitterSnrDb);
-  double variance =
-      signal.steadyNoiseV2 + transmitterNoise * transmitterNoise + signal.randomJitterUi2 * slopePower;
+  double variance = signal.steadyNoiseV2 + transmitterNoise * transmitterNoise + signal.randomJitterUi2 * slopePower;
   if (signal.arrival.lateEchoPower > 0) variance += signal.arrival.lateEchoPower * sumOfSquares(cursors);
   const double sigma = std::sqrt(variance);
   const double jitter = kBoundedJitterUi * std::sqrt(slopePower);

@@ -1,6 +1,6 @@
-// A signal as the receiver has taken it in: clock and gain settled, the DFE adapted or held, the noise known. It can then
-// be sampled at any phase: in the middle for the link's error rate, all over for the eye.
-// Units: frequency GHz, baud Gbd, phase UI, V before the gain (differential, half of peak to peak), LSB after it.
+// A signal as the receiver has taken it in: clock and gain settled, the DFE adapted or held, the noise known. It can
+// then be sampled at any phase: in the middle for the link's error rate, all over for the eye. Units: frequency GHz,
+// baud Gbd, phase UI, V before the gain (differential, half of peak to peak), LSB after it.
 #pragma once
 
 #include <array>
@@ -20,22 +20,22 @@ inline constexpr double kSensitivityLsb = 2;  // by which a one must exceed the 
 
 struct ReceivedSignal {
   Arrival arrival;
-  double instant = 0;            // UI, where the clock samples
-  Cursors cursors;               // there
-  double swingV = 0;             // peak to peak, the largest that any data gives: 2 sum |h_k|
-  bool detected = false;         // the swing is what the receiver takes for a signal
-  double gain = kMaxGain;        // brings the main cursor to amax as far as kMinGain..kMaxGain allow
-  bool gainInRange = false;      // it does
+  double instant = 0;              // UI, where the clock samples
+  Cursors cursors;                 // there
+  double swingV = 0;               // peak to peak, the largest that any data gives: 2 sum |h_k|
+  bool detected = false;           // the swing is what the receiver takes for a signal
+  double gain = kMaxGain;          // brings the main cursor to amax as far as kMinGain..kMaxGain allow
+  bool gainInRange = false;        // it does
   double lsbV = kLsbV / kMaxGain;  // a converter step before the gain
   // What the DFE takes off in V, and how it reads in LSB: the even decision path, then the odd one. The paths differ in
   // gain, so that the same correction reads differently.
   using Taps = std::array<double, kMaxDfeTaps>;
   std::array<Taps, 2> feedback{};
   std::array<Taps, 2> feedbackLsb{};
-  bool pathsDiffer = false;      // taps that are held need not be equal in V
+  bool pathsDiffer = false;  // taps that are held need not be equal in V
   double crosstalkV2 = 0;
-  double steadyNoiseV2 = 0;      // thermal, crosstalk and latch: the noise that no phase changes
-  double randomJitterUi2 = 0;    // squared rms
+  double steadyNoiseV2 = 0;    // thermal, crosstalk and latch: the noise that no phase changes
+  double randomJitterUi2 = 0;  // squared rms
 
   double h0() const {
     return cursors[0];
@@ -50,8 +50,8 @@ struct ReceivedSignal {
 ReceivedSignal receive(const Transmitter& transmitter, const Channel& channel, const Receiver& receiver, double baudGbd,
                        std::span<const Aggressor> aggressors);
 
-// rms of the Gaussian noise `phaseUi` from the instant of the clock, without the interference that the error rate counts
-// as noise. The variance is the sum of (IEEE 802.3 eq. 93A-30, 93A-32, 93A-35)
+// rms of the Gaussian noise `phaseUi` from the instant of the clock, without the interference that the error rate
+// counts as noise. The variance is the sum of (IEEE 802.3 eq. 93A-30, 93A-32, 93A-35)
 //   thermal      5.2e-8 V^2/GHz * integral |receive filters|^2 df
 //   transmitter  h0^2 * 10^(-27/10)
 //   jitter       ((0.012 UI)^2 + the medium's^2) * sum of the squared slopes at all cursors

@@ -2,8 +2,8 @@
 //
 // The process is a tree over exposure. A span of 2^63 holds 2^63 errors; each of its halves holds about half of them, a
 // draw from the binomial distribution with probability 1/2 that a hash of seed and place makes, and so on down. What
-// arrives up to a place is found on the way down to it, in some sixty steps whatever the number. For spans that are small
-// against 2^63, as all are that anybody can wait for, the counts are independent and Poisson distributed.
+// arrives up to a place is found on the way down to it, in some sixty steps whatever the number. For spans that are
+// small against 2^63, as all are that anybody can wait for, the counts are independent and Poisson distributed.
 #include "simulator/switch/error_counter.h"
 
 #include <bit>

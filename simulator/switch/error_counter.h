@@ -16,8 +16,8 @@ struct ErrorRate {
 // Nearest rate; what is not above 0 is 0, and 1e12 is the highest.
 ErrorRate errorRate(double errorsPerSecond);
 
-// How many errors arrive while the first `whole` and `fraction` * 1e-12 are to be expected, modulo 2^64. Each seed has a
-// history of its own.
+// How many errors arrive while the first `whole` and `fraction` * 1e-12 are to be expected, modulo 2^64. Each seed has
+// a history of its own.
 std::uint64_t arrivals(std::uint64_t seed, std::uint64_t whole, std::uint64_t fraction);
 
 // The three numbers are all that there is to keep; the seed belongs to the place that counts.

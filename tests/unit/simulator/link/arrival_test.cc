@@ -22,14 +22,15 @@ TEST(Arrival, IsTheProductOfItsPartsAndTheBit) {
     ASSERT_NEAR(arrival.samples[i], expected[i], 1e-6) << i;
 }
 
-// With every echo within 1024 UI, the cursors are those of a period of 1024 UI, wherever the echoes come and at any speed.
+// With every echo within 1024 UI, the cursors are those of a period of 1024 UI, wherever the echoes come and at any
+// speed.
 TEST(Echo, OfAnyDelayAgreesWithAReferenceOf1024Ui) {
   struct Case {
     double baud;
     std::vector<Echo> echoes;
   };
   const Case cases[] = {
-      {kBaud8G, {{0.05, 0.4}, {-0.03, 1.1}}},        {kBaud8G, {{0.2, 6.3}}},
+      {kBaud8G, {{0.05, 0.4}, {-0.03, 1.1}}},          {kBaud8G, {{0.2, 6.3}}},
       {kBaud8G, {{0.1, 3.7}, {0.1, 9.9}, {-0.2, 21}}}, {1.0625, {{-0.25, 100}}},
       {kBaud10G, {{0.15, 0.05}, {0.1, 91}}},
   };

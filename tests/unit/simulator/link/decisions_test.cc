@@ -58,7 +58,8 @@ TEST(BitErrorRate, FoldsTheSmallOnesIntoNoise) {
 TEST(LevelDistribution, DensityIsTheSlopeOfTheProbability) {
   const LevelDistribution levels(1, std::vector{0.2, -0.1, 0.05}, 0.03, 0.1);
   for (double level = 0.2; level < 1.5; level += 0.1) {
-    const double slope = (levels.below(level + 1e-4, 11).probability - levels.below(level - 1e-4, 11).probability) / 2e-4;
+    const double slope =
+        (levels.below(level + 1e-4, 11).probability - levels.below(level - 1e-4, 11).probability) / 2e-4;
     EXPECT_NEAR(levels.below(level, 11).density / slope, 1, 1e-3) << level;
   }
 }
@@ -128,8 +129,8 @@ TEST(Decisions, OfAbsurdLevelsStayFinite) {
         const Decisions decisions({{LevelDistribution(main, std::vector{residual}, residual, sigma),
                                     errorPropagation(main, residual, sigma)}},
                                   sigma);
-        for (const double value : {decisions.errorRate(), decisions.errorRate(main), decisions.levelAt(1e-6),
-                                   decisions.offsetAt(1e-12)})
+        for (const double value :
+             {decisions.errorRate(), decisions.errorRate(main), decisions.levelAt(1e-6), decisions.offsetAt(1e-12)})
           EXPECT_TRUE(std::isfinite(value)) << main << " " << residual << " " << sigma;
       }
     }

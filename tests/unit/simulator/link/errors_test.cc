@@ -44,8 +44,8 @@ TEST(CrcErrorRate, IsTheShareOfFrames) {
 }
 
 // The code tables, as they are sent while the running disparity is negative: six bits for the lower five of a byte,
-// four for the upper three. While it is positive, words that are not balanced are sent inverted, and so are the balanced
-// 111000 and 1100, which would lengthen runs.
+// four for the upper three. While it is positive, words that are not balanced are sent inverted, and so are the
+// balanced 111000 and 1100, which would lengthen runs.
 constexpr const char* kSixBits[32] = {"100111", "011101", "101101", "110001", "110101", "101001", "011001", "111000",
                                       "111001", "100101", "010101", "110100", "001101", "101100", "011100", "010111",
                                       "011011", "100011", "010011", "110010", "001011", "101010", "011010", "111010",
@@ -122,9 +122,9 @@ TEST(ErrorRates, AbsurdArgumentsStayFinite) {
       std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), -1e300, 2, 1, 0};
   for (const double x : absurd) {
     for (const double y : absurd) {
-      for (const double rate : {decodeErrorRate(x, y, LineCode::k64b66b), frameErrorRate(x, y),
-                                lineBits(x, LineCode::k64b66b), violationRate(x, LineCode::k8b10b),
-                                crcErrorRate(x, y, x), crcErrorRate(x, x, y)}) {
+      for (const double rate :
+           {decodeErrorRate(x, y, LineCode::k64b66b), frameErrorRate(x, y), lineBits(x, LineCode::k64b66b),
+            violationRate(x, LineCode::k8b10b), crcErrorRate(x, y, x), crcErrorRate(x, x, y)}) {
         EXPECT_TRUE(std::isfinite(rate)) << x << " " << y;
         EXPECT_GE(rate, 0) << x << " " << y;
       }

@@ -208,10 +208,10 @@ struct Slicer {
           eye += (pattern >> i & 1) != 0 ? sorted[i] : -sorted[i];
         sum += tail(eye / rms) / 512;
       }
-      const double again = path.firstTap == 0 ? 0
-                                              : (tail((main - 2 * path.firstTap) / sigma) +
-                                                 tail((main + 2 * path.firstTap) / sigma)) /
-                                                    2;
+      const double again =
+          path.firstTap == 0
+              ? 0
+              : (tail((main - 2 * path.firstTap) / sigma) + tail((main + 2 * path.firstTap) / sigma)) / 2;
       mean += sum / (1 - std::min(again, 0.5)) / static_cast<double>(paths.size());
     }
     return mean;
@@ -288,8 +288,8 @@ inline Link evaluate(const Transmitter& transmitter, const Channel& channel, con
     const double pathLsb = link.lsb / (1 + (path == 0 ? 0.5 : -0.5) * settings.evenOddMismatch);
     for (std::size_t tap = 0; tap < settings.dfeTaps; ++tap) {
       const double reach = (tap == 0 ? 0.5 : 0.25) * link.h(0);
-      const double wanted = settings.adapt ? link.h(static_cast<int>(tap) + 1)
-                                           : settings.heldTaps[2 * tap + path] * pathLsb;
+      const double wanted =
+          settings.adapt ? link.h(static_cast<int>(tap) + 1) : settings.heldTaps[2 * tap + path] * pathLsb;
       link.taps[path][tap] = std::clamp(wanted, -reach, reach);
     }
   }
