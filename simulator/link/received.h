@@ -50,8 +50,9 @@ struct ReceivedSignal {
 ReceivedSignal receive(const Transmitter& transmitter, const Channel& channel, const Receiver& receiver, double baudGbd,
                        std::span<const Aggressor> aggressors);
 
-// rms of the Gaussian noise `phaseUi` from the instant of the clock, without the interference that the error rate
-// counts as noise. The variance is the sum of (IEEE 802.3 eq. 93A-30, 93A-32, 93A-35)
+// What is decided by `phaseUi` from the instant of the clock, and the rms of the Gaussian noise there, without the
+// interference that the error rate counts as noise. Cursors and slopes are those of that phase, the DFE's taps and the
+// gain those of the middle. The variance is the sum of (IEEE 802.3 eq. 93A-30, 93A-32, 93A-35)
 //   thermal      5.2e-8 V^2/GHz * integral |receive filters|^2 df
 //   transmitter  h0^2 * 10^(-27/10)
 //   jitter       ((0.012 UI)^2 + the medium's^2) * sum of the squared slopes at all cursors
