@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "simulator/link/model.h"
 #include "simulator/switch/switch.h"
 
 namespace {
@@ -64,20 +65,19 @@ volatile double sink;
 
 void floorOfLink(const Channel& channel, const Transmitter& transmitter, double baud) {
   constexpr unsigned kBins = kSamplesPerUi * kPulseUi / 2 + 1;
-  constexpr double kDeafNepers = 20;  // where the evaluation stops too
-  const auto [a0, a1, a2, a4] = fitCoefficients(channel);
+  constexpr double kDeafNepers = 12;  // where the evaluation stops too
+  const LossFit loss(channel);
   const double step = baud / kPulseUi;
   const double edge = slewNepers(transmitter.slewPs, step);
-  const double root = a1 * 0.5;
   double sum = 0;
   for (unsigned k = 0; k < kBins; ++k) {
     const double f = k * step;
-    const double nepers = (a0 + root + a2 * f + a4 * f * f) / kNeperDb + edge * k * k;
+    const double nepers = loss.db(f, 0.5) / kNeperDb + edge * k * k;
     if (nepers > kDeafNepers) continue;
-    sum += exponential(-nepers) * unitPhasor(-a2 * f).re;
+    sum += exponential(-nepers) * unitPhasor(-loss.a2 * f).re;
   }
   constexpr double kResiduals[] = {0.09, 0.05, -0.04, 0.03, 0.02, -0.02, 0.01, 0.01};
-  sink = sum + bitErrorRate(0.4, kResiduals, 0.03);
+  sink = sum + LevelDistribution(0.4, kResiduals, 0.02, 0.03).below(0, 11).probability;
 }
 
 struct Times {
