@@ -31,7 +31,7 @@ struct ErrorCounter {
   bool operator==(const ErrorCounter&) const = default;
 
   // Counts what arrives in `microseconds` at `rate`. Wraps beyond 64 bits like the hardware's.
-  void accumulate(ErrorRate rate, std::uint64_t microseconds, std::uint64_t seed = 0);
+  void accumulate(ErrorRate rate, std::uint64_t microseconds, std::uint64_t seed);
   // Counts from 0 again. The exposure goes on, for otherwise the same errors would come again.
   void clear() {
     count = 0;

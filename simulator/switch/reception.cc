@@ -22,6 +22,15 @@ bool Reception::findsPattern(unsigned link) {
   return pattern != 0 && incoming(link).pattern == pattern && result(link).locked;
 }
 
+bool Reception::takesFrames() {
+  const unsigned links = port_.rx.links;
+  if (links == 0 || !speedAgreed(port_)) return false;
+  for (unsigned link = 0; link < links; ++link) {
+    if (incoming(link).pattern != 0 || !result(link).locked) return false;
+  }
+  return true;
+}
+
 unsigned long Reception::portStatus() {
   const unsigned links = port_.rx.links;
   if (links == 0 || port_.tx.links == 0) return kStatusNoLinks;
