@@ -12,7 +12,7 @@ constexpr double kEthernetFrameBytes = 1518;
 
 // Decode errors a second of a link.
 double decodeRate(Reception& reception, unsigned link, double baud, LineCode code) {
-  if (!reception.port().rx.pllLocked() || !reception.result(link).signalDetected) return 0;
+  if (!reception.listens(link)) return 0;
   if (!reception.result(link).locked) return violationRate(baud, code);
   return reception.incoming(link).pattern == 0 ? decodeErrorRate(reception.result(link).ber, baud, code) : 0;
 }

@@ -17,6 +17,10 @@ const LinkResult& Reception::result(unsigned link) {
   return *result;
 }
 
+bool Reception::listens(unsigned link) {
+  return port_.rxField(link, Field::kRxEnable) != 0 && port_.rx.pllLocked() && incoming(link).arrives;
+}
+
 bool Reception::findsPattern(unsigned link) {
   const auto pattern = static_cast<unsigned>(port_.rxField(link, Field::kCheckPattern));
   return pattern != 0 && incoming(link).pattern == pattern && result(link).locked;

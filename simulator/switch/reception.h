@@ -34,6 +34,8 @@ class Reception {
   EyeScan& eye(unsigned link) {
     return results_.eyeOf(port_, link, incoming(link));
   }
+  // Whether the receiver works and something is sent to it, be it too weak to be told from noise.
+  bool listens(unsigned link);
   // Whether the link checks for a pattern, and that arrives.
   bool findsPattern(unsigned link);
   // Whether frames arrive: all links follow what they hear, at a speed of both ends, and that is no test pattern. What

@@ -100,6 +100,7 @@ far_end = "pair"
 speed = "AUTO"
 sends = true
 load = 100
+signal_detect_mv = 50
 cache = "fast"
 
 [[asics.ports]]
@@ -388,6 +389,7 @@ INSTANTIATE_TEST_SUITE_P(
             "GetPortInfo"},
         Row{"Port/speed", "\nspeed = \"AUTO\"", "\nspeed = \"4G\"", "GetPortCfgSpeed"},
         Row{"Port/sends", "\nsends = true", "\nsends = false", "TxStreamState"},
+        Row{"Port/signal_detect_mv", "signal_detect_mv = 50", "signal_detect_mv = 2000", kStats0},
         Row{"Port/load", "load = 100", "load = 10", "GetFrameStatCntrs"},
         Row{"Port/cache", "cache = \"fast\"", "cache = { 4G = \"fast\", 8G = \"other\" }",
             "GetSerDesTxRateParams(0, 0, 4)"},

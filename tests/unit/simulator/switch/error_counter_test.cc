@@ -32,10 +32,10 @@ TEST(ErrorRate, EndsAtItsHighest) {
 
 TEST(ErrorCounter, ExposureIsRateTimesTime) {
   ErrorCounter counter;
-  counter.accumulate(errorRate(1000.25), 8 * kSecond);
+  counter.accumulate(errorRate(1000.25), 8 * kSecond, 0);
   EXPECT_EQ(counter.exposure, 8002U);
   EXPECT_EQ(counter.carry, 0U);
-  counter.accumulate(errorRate(0.001), 1);
+  counter.accumulate(errorRate(0.001), 1, 0);
   EXPECT_EQ(counter.exposure, 8002U);
   EXPECT_EQ(counter.carry, 1000U);
 }
@@ -154,7 +154,7 @@ TEST(ErrorCounter, CountsOtherErrorsAfterItIsCleared) {
 TEST(ErrorCounter, CountsBeyond32BitsAndOverYears) {
   ErrorCounter counter;
   const std::uint64_t year = 31'536'000;
-  counter.accumulate(errorRate(1e9), year * kSecond);
+  counter.accumulate(errorRate(1e9), year * kSecond, 0);
   EXPECT_EQ(counter.exposure, year * 1'000'000'000);
   EXPECT_NEAR(static_cast<double>(counter.count) / 3.1536e16, 1, 1e-7);
 }

@@ -1,5 +1,6 @@
 #include "simulator/switch/speed.h"
 
+#include "simulator/description/line_rates.h"
 #include "tests/unit/simulator/switch/switch_bench.h"
 
 namespace simulator {
