@@ -158,7 +158,7 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"EchoTooLateForTheOnlySpeed",
                 "[channels.x]\nechoes = [{ reflection = 0.1, delay_ns = 93.5 }]\n" + kCoreAndPort +
                     "ports = 0\nkind = \"GL\"\nspeeds = [\"10G\"]\n" + "channel = \"x\"\n",
-                "some.toml:10: asics[0].ports[0].channel: has an echo that comes later than the 91 ns that port 0 can "
+                "some.toml:11: asics[0].ports[0].channel: has an echo that comes later than the 91 ns that port 0 can "
                 "have at its lowest speed"},
         Mistake{"EchoesNotTables", "[channels.x]\nechoes = [1]\n",
                 "some.toml:2: channels.x.echoes: must be a list of tables"},

@@ -152,7 +152,7 @@ TEST_F(StateFiles, WithAValueOutOfRangeAreRefused) {
   keepNow(path());
   std::string text = textOf(path());
   text.resize(text.rfind("# whole "));
-  text += "\"asic0.port0\" = [9, 0, 1, 0, 0, 0, 0, 0]\n";
+  text += "\"asic0.port0\" = [9, 0, 1, 0, 0, 0, 0, 0, 0, 0]\n";
   std::ofstream(path(), std::ios::binary | std::ios::trunc) << text << stateEndLine(text);
   EXPECT_EQ(errorOf(path(), kBadState), path() + ": has a value that the switch cannot have");
 }

@@ -24,11 +24,11 @@ slew = 60
 dfe = "DFE1"
 peak = 2
 [channels.line]
-fr4_inches = 22
+fr4_inches = 23
 connectors = 2
-crosstalk_db = -27
+crosstalk_db = -25
 [channels.quiet]
-fr4_inches = 22
+fr4_inches = 23
 connectors = 2
 crosstalk_db = -100
 [[asics]]
@@ -40,7 +40,7 @@ type = 2
 
 constexpr unsigned kVictim = 4;
 
-class Neighbours : public testing::Test {
+class PortsBeside : public testing::Test {
  protected:
   static Switch row(const std::string& which = "0-8", const std::string& more = "") {
     return Switch(readDescription(rowOf(which) + more, "row.toml"));
@@ -69,7 +69,7 @@ class Neighbours : public testing::Test {
   }
 };
 
-TEST_F(Neighbours, ASteeperEdgeBesideCostsAMarginalPortErrors) {
+TEST_F(PortsBeside, ASteeperEdgeBesideCostsAMarginalPortErrors) {
   Switch sw = row();
   const std::uint64_t before = errorsIn(100, sw, kVictim);
   ASSERT_EQ(sw.setTxSlew(0, kVictim - 1, -1, true, SLEW_24PS), kOk);
@@ -77,21 +77,21 @@ TEST_F(Neighbours, ASteeperEdgeBesideCostsAMarginalPortErrors) {
   EXPECT_GT(errorsIn(100, sw, kVictim), 2 * before + 10);
 }
 
-TEST_F(Neighbours, MorePowerBesideCostsAMarginalPortErrors) {
+TEST_F(PortsBeside, MorePowerBesideCostsAMarginalPortErrors) {
   Switch sw = row();
   const std::uint64_t before = errorsIn(100, sw, kVictim);
   ASSERT_EQ(sw.setTxFfe(0, kVictim + 1, -1, {.mode = FFE_3, .k = 200, .c = {-2, 58, -10, 0}}), kOk);
   EXPECT_GT(errorsIn(100, sw, kVictim), 2 * before + 10);
 }
 
-TEST_F(Neighbours, AnEdgeOfItsOwnCostsAPortNone) {
+TEST_F(PortsBeside, AnEdgeOfItsOwnCostsAPortNone) {
   Switch sw = row();
   const int before = exponent(sw, kVictim);
   ASSERT_EQ(sw.setTxSlew(0, kVictim, -1, true, SLEW_24PS), kOk);
   EXPECT_GT(exponent(sw, kVictim), before);  // which hears itself better
 }
 
-TEST_F(Neighbours, SilencingThemCuresAMarginalPort) {
+TEST_F(PortsBeside, SilencingThemCuresAMarginalPort) {
   Switch sw = row();
   for (const unsigned beside : {kVictim - 1, kVictim + 1})
     ASSERT_EQ(sw.setTxFfe(0, beside, -1, {.mode = FFE_3, .k = 200, .c = {-2, 58, -10, 0}}), kOk);
@@ -101,7 +101,7 @@ TEST_F(Neighbours, SilencingThemCuresAMarginalPort) {
   EXPECT_EQ(errorsIn(100, sw, kVictim), 0U);
 }
 
-TEST_F(Neighbours, NoneMakesAPortQuieter) {
+TEST_F(PortsBeside, NoneMakesAPortQuieter) {
   Switch among = row();
   Switch alone = row("0");
   Switch uncoupled = row("0-8", ports("4", "channel = \"quiet\"\n"));
@@ -111,7 +111,7 @@ TEST_F(Neighbours, NoneMakesAPortQuieter) {
   EXPECT_GT(exponent(among, 0), exponent(among, kVictim) + 3);
 }
 
-TEST_F(Neighbours, FurtherAwayDisturbLessAndNotBeyondTheSecond) {
+TEST_F(PortsBeside, FurtherAwayDisturbLessAndNotBeyondTheSecond) {
   const auto gainedBySilence = [](unsigned distance) {
     Switch sw = row();
     const int before = exponent(sw, kVictim);
@@ -123,7 +123,7 @@ TEST_F(Neighbours, FurtherAwayDisturbLessAndNotBeyondTheSecond) {
   EXPECT_EQ(gainedBySilence(3), 0);
 }
 
-TEST_F(Neighbours, DisturbFromWhatTheirCablesLeadToAndLessSo) {
+TEST_F(PortsBeside, DisturbFromWhatTheirCablesLeadToAndLessSo) {
   const std::string partner = "partner = { settings = \"fast\" }\n";
   const std::string silentPartner = "partner = { settings = \"fast\", sends = false }\n";
   const auto exponentWith = [](const std::string& beside) {
@@ -139,7 +139,7 @@ TEST_F(Neighbours, DisturbFromWhatTheirCablesLeadToAndLessSo) {
   EXPECT_GE(none, farEnd);
 }
 
-TEST_F(Neighbours, WithoutMediaOrPllAreSilent) {
+TEST_F(PortsBeside, WithoutMediaOrPllAreSilent) {
   Switch sw = row();
   Switch bare = row("0-8", ports("5", "media = \"none\"\n"));
   Switch off = row("0-8", "[[asics.cores]]\ncores = 1\ntype = 2\n" + ports("5", "tx_core = 1\n"));
@@ -151,7 +151,7 @@ TEST_F(Neighbours, WithoutMediaOrPllAreSilent) {
   EXPECT_EQ(exponent(off, kVictim), exponent(sw, kVictim));
 }
 
-TEST_F(Neighbours, AreNotHeardInLoopback) {
+TEST_F(PortsBeside, AreNotHeardInLoopback) {
   Switch sw = row();
   ASSERT_EQ(sw.setTestOption(0, kVictim, 0, kTestLoopback, 1), kOk);
   (void)exponent(sw, kVictim);
@@ -163,7 +163,7 @@ TEST_F(Neighbours, AreNotHeardInLoopback) {
   EXPECT_EQ(sw.evaluations(), before);
 }
 
-TEST_F(Neighbours, AreCountedAsTheyWereUntilTheyChange) {
+TEST_F(PortsBeside, AreCountedAsTheyWereUntilTheyChange) {
   Switch sw = row();
   for (const unsigned beside : {kVictim - 1, kVictim + 1})
     ASSERT_EQ(sw.setTxFfe(0, beside, -1, {.mode = FFE_3, .k = 200, .c = {-2, 58, -10, 0}}), kOk);

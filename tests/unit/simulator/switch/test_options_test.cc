@@ -396,8 +396,9 @@ TEST_F(TestOptions, OthersAndOtherModesAreOutOfRange) {
     EXPECT_EQ(sw.getTestStatus(0, 0, 0, option, &status), kOutOfRange) << option;
   }
   const std::vector<std::pair<std::uint32_t, int>> greatest = {
-      {kTestLoopback, 1}, {kTestSendPattern, 3},      {kTestHoldDfe, 1},    {kTestCheckPattern, 3}, {kTestMargin, 1},
-      {kTestReadapt, 0},  {kTestInjectErrors, 65535}, {kTestClearCheck, 0}, {kTestTemperature, 1}};
+      {kTestLoopback, 1},         {kTestSendPattern, 3},         {kTestHoldDfe, 1},
+      {kTestCheckPattern, 3},     {kTestMargin, kMaxMarginMode}, {kTestReadapt, 0},
+      {kTestInjectErrors, 65535}, {kTestClearCheck, 0},          {kTestTemperature, 1}};
   for (const auto& [option, mode] : greatest) {
     EXPECT_EQ(sw.setTestOption(0, 0, 0, option, mode + 1), kOutOfRange) << option;
     EXPECT_EQ(sw.setTestOption(0, 0, 0, option, -1), kOutOfRange) << option;
