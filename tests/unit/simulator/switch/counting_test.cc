@@ -211,6 +211,23 @@ TEST_F(ManyReads, HaveAHistoryOfTheirOwnForEachSeedAndPort) {
   EXPECT_NE(readEach(first, 3, 20), counts);
 }
 
+TEST_F(ManyReads, AfterAClearAreNotThoseOfBeforeAgain) {
+  Switch made = unlocked(1);
+  const std::vector<double> counts = readEach(made, 2, 20);
+  ASSERT_EQ(made.clearCounters(id(2)), kOk);
+  EXPECT_NE(readEach(made, 2, 20), counts);
+}
+
+TEST_F(ManyReads, GoOnInAnotherSessionAsInThisOne) {
+  Switch made = unlocked(1);
+  (void)readEach(made, 2, 20);
+  Switch next = unlocked(1);
+  ASSERT_TRUE(next.importState(made.exportState()));
+  for (Switch* each : {&made, &next})
+    ASSERT_EQ(each->clearCounters(id(2)), kOk);
+  EXPECT_EQ(readEach(next, 2, 20), readEach(made, 2, 20));
+}
+
 // Port 2 and port 3 at the ends of a noisy cable, each with a core of its own for either side.
 const std::string kNoisyCable = R"(
 [[asics.cores]]
