@@ -2,6 +2,9 @@
 // Cached numbers are kept whole, unlike live settings.
 #include "commands/rx_cache.h"
 
+#include <array>
+#include <cstdio>
+
 #include "arguments/keywords.h"
 #include "arguments/port_lists.h"
 #include "arguments/word_reader.h"
@@ -37,7 +40,9 @@ CmdStatus showRxParamsCacheCmdHandler(int wordCount, char* words[]) {
   if (in.failed()) return in.status();
   if (const CmdStatus status = readCaches(table, rate, __func__); status != CMD_OK) return status;
 
-  printTitledHeader(table.ports, "show rx cache for %s", words[1]);
+  std::array<char, kTitleSize> title;
+  std::snprintf(title.data(), title.size(), "show rx cache for %s", words[1]);
+  printPortTableHeader(title.data(), table.ports);
   printDfeModeRow(table);
   printVgaRows(table);
   return CMD_OK;
@@ -66,7 +71,9 @@ CmdStatus showRxParamsRawCmdHandler(int wordCount, char* words[]) {
     if (const CmdStatus status = readCaches(table, rate, __func__); status != CMD_OK) return status;
   }
 
-  printTitledHeader(table.ports, "show rx cache for %s interface and rate %s", words[1], words[2]);
+  std::array<char, kTitleSize> title;
+  std::snprintf(title.data(), title.size(), "show rx cache for %s interface and rate %s", words[1], words[2]);
+  printPortTableHeader(title.data(), table.ports);
   printRow(table, "Mode", &SerDesRxRateParams::mode);
   printRow(table, "P0", &SerDesRxRateParams::p0);
   printRow(table, "P1", &SerDesRxRateParams::p1);
@@ -96,7 +103,9 @@ CmdStatus eshowRxParamsCacheCmdHandler(int wordCount, char* words[]) {
   if (in.failed()) return in.status();
   if (const CmdStatus status = readCaches(table, rate, __func__); status != CMD_OK) return status;
 
-  printTitledHeader(table.ports, "show rx cache for %s", words[1]);
+  std::array<char, kTitleSize> title;
+  std::snprintf(title.data(), title.size(), "show rx cache for %s", words[1]);
+  printPortTableHeader(title.data(), table.ports);
   printRow(table, "cdr mode", &SerDesRxRateParams::mode);
   printRow(table, "eq mode", &SerDesRxRateParams::p0);
   return CMD_OK;

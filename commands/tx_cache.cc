@@ -2,6 +2,7 @@
 // Cached numbers are kept whole, unlike live settings.
 #include "commands/tx_cache.h"
 
+#include <array>
 #include <cstdio>
 
 #include "arguments/keywords.h"
@@ -38,7 +39,9 @@ CmdStatus showTxParamsCacheCmdHandler(int wordCount, char* words[]) {
   if (in.failed()) return in.status();
   if (const CmdStatus status = readCaches(table, rate, __func__); status != CMD_OK) return status;
 
-  printTitledHeader(table.ports, "show tx cache for %s", words[1]);
+  std::array<char, kTitleSize> title;
+  std::snprintf(title.data(), title.size(), "show tx cache for %s", words[1]);
+  printPortTableHeader(title.data(), table.ports);
   printFFERows(table);
   printSlewRow(table);
   return CMD_OK;
@@ -65,7 +68,9 @@ CmdStatus showTxParamsRawCmdHandler(int wordCount, char* words[]) {
     if (const CmdStatus status = readCaches(table, rate, __func__); status != CMD_OK) return status;
   }
 
-  printTitledHeader(table.ports, "show tx cache for %s interface at rate %s", words[1], words[2]);
+  std::array<char, kTitleSize> title;
+  std::snprintf(title.data(), title.size(), "show tx cache for %s interface at rate %s", words[1], words[2]);
+  printPortTableHeader(title.data(), table.ports);
   std::printf("\n");
   printRow(table, "Power", &SerDesTxRateParams::power);
   printRow(table, "Slew", &SerDesTxRateParams::slew);
@@ -100,7 +105,9 @@ CmdStatus eshowTxParamsCacheCmdHandler(int wordCount, char* words[]) {
   if (in.failed()) return in.status();
   if (const CmdStatus status = readCaches(table, rate, __func__); status != CMD_OK) return status;
 
-  printTitledHeader(table.ports, "show tx cache for %s", words[1]);
+  std::array<char, kTitleSize> title;
+  std::snprintf(title.data(), title.size(), "show tx cache for %s", words[1]);
+  printPortTableHeader(title.data(), table.ports);
   std::printf("\n");
   printRow(table, "k (power)", &SerDesTxRateParams::power);
   printRow(table, "p0 (pre-emphasis)", &SerDesTxRateParams::p0);

@@ -1,7 +1,6 @@
 // Table heads: who a column is (port, user port, link), and how it runs at this moment (rate, media).
 #include "display/table_header.h"
 
-#include <cstdarg>
 #include <cstdio>
 
 #include "display/name_tables.h"
@@ -78,15 +77,6 @@ void printPortTableHeader(const char* title, std::uint32_t portMask) {
   PortStatus status{};
   gatherPortStatus(portMask, status);
   printHeader(title, portMask, status);
-}
-
-void printTitledHeader(std::uint32_t portMask, const char* format, ...) {
-  std::array<char, 192> title;
-  std::va_list arguments;
-  va_start(arguments, format);
-  std::vsnprintf(title.data(), title.size(), format, arguments);
-  va_end(arguments);
-  printPortTableHeader(title.data(), portMask);
 }
 
 void printLinkTableHeader(SerDesType type, SerDesLinkType side, std::uint32_t portMask) {

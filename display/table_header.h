@@ -15,11 +15,11 @@ extern std::array<std::uint8_t, kMaxPorts> portRunning;
 // The ports whose flag is set.
 std::uint32_t runningPorts();
 
+// Room for a title that holds words as typed: no word is longer than a command line.
+inline constexpr std::size_t kTitleSize = 192;
+
 // Columns for every link of every port in the mask, counted by the transmit links.
 void printPortTableHeader(const char* title, std::uint32_t portMask);
-
-// The same, its title put together from words as typed: no word is longer than a command line.
-void printTitledHeader(std::uint32_t portMask, const char* format, ...) __attribute__((format(printf, 2, 3)));
 
 // Columns for the ports of the mask whose side is of the type, entitled by the type's name. Columns are counted by the
 // transmit links also when they head a receive table.

@@ -9,7 +9,7 @@ namespace operations {
 void CallText::append(std::string_view text) {
   const std::size_t room = text_.size() - length_;
   const std::size_t count = text.size() < room ? text.size() : room;
-  std::memcpy(text_.data() + length_, text.data(), count);
+  if (count > 0) std::memcpy(text_.data() + length_, text.data(), count);  // nothing may be nowhere
   length_ += count;
 }
 

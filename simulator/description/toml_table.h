@@ -102,6 +102,7 @@ class TomlTable {
   template <typename Rows>
   void allow(const Rows& rows) const {
     std::vector<std::string_view> names;
+    names.reserve(std::size(rows));
     for (const auto& row : rows)
       names.push_back(row.name);
     allowNames(names);

@@ -1,0 +1,53 @@
+// Descriptors and whole files.
+#pragma once
+
+#include <cerrno>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace serdesctl {
+
+// An open descriptor that is closed when it goes out of scope.
+class Fd {
+ public:
+  Fd() = default;
+  explicit Fd(int number) : number_(number) {}
+  ~Fd() {
+    reset();
+  }
+  Fd(Fd&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+  Fd& operator=(Fd&& other) noexcept {
+    if (this != &other) reset(std::exchange(other.number_, -1));
+    return *this;
+  }
+  Fd(const Fd&) = delete;
+  Fd& operator=(const Fd&) = delete;
+
+  int get() const {
+    return number_;
+  }
+  bool isOpen() const {
+    return number_ >= 0;
+  }
+  void reset(int number = -1);
+
+ private:
+  int number_ = -1;
+};
+
+// The operating system's words for an error.
+std::string errorText(int error = errno);
+
+// The whole of a file, "-" for standard input; throws UsageError "NAME: why" when it cannot be read or is longer.
+std::string readFile(const std::string& name, std::size_t mostBytes);
+
+// Writes all of `text`; false with errno when that fails.
+bool writeAll(int descriptor, std::string_view text);
+
+// The value of an environment variable; an empty one counts as one that is not set.
+std::optional<std::string> environmentVariable(const char* name);
+
+}  // namespace serdesctl

@@ -1,0 +1,24 @@
+// Standard output for programs that read it: written whole or an error, and never through stdio, whose stream belongs
+// to the rehearsed handlers.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace serdesctl {
+
+class Output {
+ public:
+  explicit Output(int descriptor) : descriptor_(descriptor) {}
+
+  void write(std::string_view text);
+
+  // Throws WriteError, ReaderLeft or Interrupted.
+  void flush();
+
+ private:
+  int descriptor_;
+  std::string waiting_;
+};
+
+}  // namespace serdesctl

@@ -1,0 +1,55 @@
+// The process: streams that are safe to use, and errors as one line and a status.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <new>
+#include <string>
+
+#include "serdesctl/base/errors.h"
+#include "serdesctl/base/files.h"
+#include "serdesctl/options.h"
+
+namespace {
+
+// A standard descriptor that the caller closed would be the next pipe. It is opened so that using it fails all the
+// same.
+void occupyClosedDescriptors() {
+  for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+    if (fcntl(descriptor, F_GETFD) != -1) continue;
+    (void)open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
+}
+
+void complain(const std::string& what) {
+  (void)serdesctl::writeAll(STDERR_FILENO, "serdesctl: " + what + "\n");
+}
+
+// Ends this process by the signal, as if it had never been handled.
+int endBySignal(int signal) {
+  (void)std::signal(signal, SIG_DFL);
+  (void)std::raise(signal);
+  return serdesctl::kSignalBase + signal;
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+  occupyClosedDescriptors();
+  try {
+    return serdesctl::runCommandLine(argc, argv);
+  } catch (const serdesctl::ReaderLeft&) {
+    return endBySignal(SIGPIPE);
+  } catch (const serdesctl::Error& error) {
+    complain(error.what());
+    return error.exitStatus();
+  } catch (const std::bad_alloc&) {
+    complain("no memory");
+  } catch (const std::exception& error) {
+    complain(error.what());
+  }
+  return serdesctl::kFailed;
+}

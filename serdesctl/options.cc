@@ -1,0 +1,155 @@
+// The command line, by CLI11.
+#include "serdesctl/options.h"
+
+#include <array>
+#include <cstdio>
+#include <span>
+
+#include <CLI/CLI.hpp>
+
+#include "serdesctl/base/errors.h"
+#include "serdesctl/base/output.h"
+#include "serdesctl/base/waiting.h"
+#include "serdesctl/subcommands/subcommands.h"
+
+namespace serdesctl {
+namespace {
+
+constexpr double kLongestSeconds = 86400;
+
+void addCommonOptions(CLI::App& app, CommonOptions& common) {
+  app.add_option(
+         "-t,--target", common.target.target,
+         "Where the tool runs: sim, sim:FILE (the simulated switch), ssh:[USER@]HOST, or a name of targets.toml; "
+         "without it the tool of this machine")
+      ->type_name("TARGET");
+  app.add_option("--state", common.target.state, "Keep the simulated switch in FILE")->type_name("FILE");
+  app.add_option("--timeout", common.timeout, "Wait this long for an answer")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.001, kLongestSeconds))
+      ->capture_default_str();
+  app.add_option("--wait-lock", common.waitForLock, "Wait this long for others to leave the switch")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.0, kLongestSeconds))
+      ->capture_default_str();
+  app.add_flag("--syslog", common.syslog, "Copy the journal's entries to syslog");
+}
+
+void addRunOptions(CLI::App& app, Options& options) {
+  RunOptions& run = options.run;
+  app.add_option("SCRIPT", run.scripts, "Script files, - for standard input")->required()->take_all();
+  app.add_flag("-k,--keep-going", run.keepGoing, "Go on after a failed command, and fail in the end");
+  CLI::Option* const check = app.add_flag("--check", run.check, "Check the scripts and send none of their commands");
+  app.add_flag("--offline", run.offline, "Check without a switch")->needs(check);
+  CLI::Option* const echo = app.add_flag("--echo", run.echo, "Print each command before its answer");
+  app.add_flag("--json", run.json, "Print an object a line for each command")->excludes(echo);
+}
+
+void addJournalOptions(CLI::App& app, Options& options) {
+  JournalOptions& journal = options.journal;
+  app.add_option("--since", journal.since,
+                 "Only from this time (UTC) on: 2025-11-21, 2025-11-21T21:13, or 90m, 12h, 7d ago")
+      ->type_name("TIME");
+  app.add_option("--run", journal.run, "Only this run's")->type_name("ID");
+  app.add_flag("--json", journal.json, "Print an object a line for each command");
+}
+
+constexpr std::array<Subcommand, 2> kSubcommands = {{
+    {
+        .name = "run",
+        .description = "Check scripts and run them, up to the first command that fails",
+        .addOptions = addRunOptions,
+        .perform = performRun,
+    },
+    {
+        .name = "journal",
+        .description = "Show what was changed, by whom and when; with --target that target's alone",
+        .addOptions = addJournalOptions,
+        .perform = performJournal,
+    },
+}};
+
+constexpr const char* kDescription =
+    "Drives serdes, the tool for the SerDes of a network switch, for people who automate.";
+constexpr const char* kFooter =
+    "Exit status:\n"
+    "  0    done\n"
+    "  1    a command failed, or what was looked for differs or is bad\n"
+    "  2    usage, or refused before anything was sent\n"
+    "  3    the switch could not be reached or opened, or the tool ended\n"
+    "  4    no answer in time\n"
+    "  5    locked: somebody else works on the switch\n"
+    "  130  interrupted";
+
+// CLI11's own words for a word too many do not name it.
+[[noreturn]] void refuse(const CLI::App& app, const CLI::ParseError& error) {
+  const auto unknown = app.remaining(true);
+  if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr || unknown.empty()) throw UsageError(error.what());
+  const bool isOption = unknown[0].size() > 1 && unknown[0][0] == '-';
+  throw UsageError(std::string("unknown ") + (isOption ? "option" : "word") + " '" + unknown[0] + "'");
+}
+
+[[noreturn]] void refuseSubcommand(const std::vector<std::string>& words) {
+  std::string names;
+  for (const Subcommand& row : kSubcommands)
+    names += (names.empty() ? "" : ", ") + std::string(row.name);
+  if (words.empty()) throw UsageError("a subcommand is missing: one of " + names);
+  throw UsageError("unknown subcommand '" + words[0] + "': not one of " + names);
+}
+
+void print(const std::string& text) {
+  Output output(1);
+  output.write(text);
+  output.flush();
+}
+
+// Parses; true when --help or --version has been answered.
+bool parse(CLI::App& app, int argc, char* argv[]) {
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    print(app.help());
+    return true;
+  } catch (const CLI::CallForVersion&) {
+    print(app.version() + "\n");
+    return true;
+  } catch (const CLI::ParseError& error) {
+    if (app.get_subcommands().empty() && !app.remaining().empty() && app.remaining()[0][0] != '-') {
+      refuseSubcommand(app.remaining());
+    }
+    refuse(app, error);
+  }
+  return false;
+}
+
+}  // namespace
+
+std::unique_ptr<CLI::App> buildApp(Options& options) {
+  auto app = std::make_unique<CLI::App>(kDescription, "serdesctl");
+  app->footer(kFooter);
+  app->set_help_flag("-h,--help", "Print this help");
+  app->set_version_flag("--version", "serdesctl " SERDESCTL_VERSION, "Print the version");
+  app->require_subcommand(0, 1);
+  app->option_defaults()->take_last();  // so that an alias can have its own and be overruled
+  app->fallthrough();                   // the common options may stand behind the subcommand too
+  addCommonOptions(*app, options.common);
+  for (const Subcommand& row : kSubcommands) {
+    CLI::App& subcommand = *app->add_subcommand(row.name, row.description);
+    subcommand.footer("Options for all subcommands: serdesctl --help");
+    row.addOptions(subcommand, options);
+  }
+  return app;
+}
+
+int runCommandLine(int argc, char* argv[]) {
+  Options options;
+  const SignalWatch watch;
+  const auto app = buildApp(options);
+  if (parse(*app, argc, argv)) return kDone;
+  for (const Subcommand& row : kSubcommands) {
+    if (app->got_subcommand(row.name)) return row.perform(options);
+  }
+  refuseSubcommand({});
+}
+
+}  // namespace serdesctl

@@ -1,0 +1,62 @@
+// The command line: a row per subcommand, from which parsing, help, manual and completion are made.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "serdesctl/target/target.h"
+
+namespace CLI {
+class App;
+}
+
+namespace serdesctl {
+
+// The words of the command line that all subcommands share.
+struct CommonOptions {
+  TargetWords target;
+  double waitForLock = 0;
+  double timeout = 30;
+  bool syslog = false;
+};
+
+struct RunOptions {
+  std::vector<std::string> scripts;
+  bool keepGoing = false;
+  bool check = false;
+  bool offline = false;
+  bool echo = false;
+  bool json = false;
+};
+
+struct JournalOptions {
+  std::string since;
+  std::string run;
+  bool json = false;
+};
+
+struct Options {
+  CommonOptions common;
+  RunOptions run;
+  JournalOptions journal;
+};
+
+// A subcommand: its word, what --help says about it, its own options, and what it does. `perform` gives the exit
+// status.
+struct Subcommand {
+  const char* name;
+  const char* description;
+  void (*addOptions)(CLI::App& app, Options& options);
+  int (*perform)(const Options& options);
+};
+
+// The program with all its options, filled by parsing into `options`, which must outlive it. Manual and completion are
+// made from it too.
+std::unique_ptr<CLI::App> buildApp(Options& options);
+
+// Parses the command line and runs the subcommand it names. Throws UsageError.
+int runCommandLine(int argc, char* argv[]);
+
+}  // namespace serdesctl

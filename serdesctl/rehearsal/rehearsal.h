@@ -1,0 +1,60 @@
+// Judges commands by the tool's own dispatcher and handlers, on a platform that succeeds and records.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "arguments/cmd_status.h"
+#include "serdesctl/base/files.h"
+#include "serdesctl/rehearsal/learning.h"
+#include "shell/command_table.h"
+
+namespace serdesctl {
+
+using Words = std::vector<std::string>;
+
+// A line cut into words as the tool cuts it, its comment left out.
+Words splitWords(const std::string& line);
+
+// The row of a command word; null for an unknown one.
+const CmdTableEntry* findCommand(const std::string& word);
+
+// Words that ask for a command's help and run nothing.
+bool asksForHelp(const Words& words);
+
+// The command that a loop repeats, empty for any other command and for a loop that is refused.
+Words loopedCommand(const Words& words);
+
+// The command that loops repeat in the end; any other command is its own.
+Words innermostCommand(Words words);
+
+// The ASIC that a command selects, in a loop too; nothing for other commands.
+std::optional<std::uint32_t> selectedAsic(const Words& words);
+
+struct Verdict {
+  CmdStatus status = CMD_OK;  // what the tool would answer if the platform did all it is asked
+  bool changes = false;       // the hardware, if it runs
+  std::string missing;        // what it names and the switch does not have, such as "port 24 of ASIC 0"
+};
+
+// The tool's topology is one for the process: one rehearsal at a time. Nothing reaches standard output.
+class Rehearsal {
+ public:
+  // Without a switch: what no switch could do is refused.
+  Rehearsal();
+  explicit Rehearsal(const LearntSwitch& learnt);
+
+  // Judges a command and what it does to the session: the current ASIC changes with setAsicNum.
+  Verdict judge(const Words& words);
+
+ private:
+  void start();
+  CmdStatus dispatch(const Words& words, int times) const;
+
+  Fd nowhere_;
+  Fd standardOutput_;
+};
+
+}  // namespace serdesctl

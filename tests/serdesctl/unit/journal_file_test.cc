@@ -1,0 +1,82 @@
+// Appending from many processes, and making room.
+#include "serdesctl/journal/journal_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <set>
+
+#include "serdesctl/base/errors.h"
+
+namespace serdesctl {
+namespace {
+
+class JournalFileTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string name = testing::TempDir() + "journalXXXXXX";
+    ASSERT_NE(::mkdtemp(name.data()), nullptr);
+    folder_ = name;
+  }
+  void TearDown() override {
+    std::filesystem::remove_all(folder_);
+  }
+
+  static void ignore(const std::string&) {}
+
+  std::string folder_;
+};
+
+TEST_F(JournalFileTest, OldFilesMakeRoomAndTheNewestLinesStay) {
+  JournalFile file(folder_, ignore, {.mostBytes = 100, .oldFiles = 2});
+  for (int i = 100; i < 200; ++i)
+    file.append("line " + std::to_string(i) + "\n", false);
+  std::uintmax_t bytes = 0;
+  std::size_t files = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+    bytes += entry.file_size();
+    ++files;
+  }
+  EXPECT_EQ(files, 3U);
+  EXPECT_LE(bytes, 300U);
+  const std::vector<std::string> lines = readJournal(folder_, ignore);
+  ASSERT_GE(lines.size(), 22U);
+  EXPECT_EQ(lines.back(), "line 199");
+  EXPECT_EQ(lines.front(), "line " + std::to_string(200 - lines.size()));
+}
+
+TEST_F(JournalFileTest, WritersThatMakeRoomLoseNothingOfEachOther) {
+  constexpr int kWriters = 4;
+  constexpr int kLines = 200;
+  std::vector<pid_t> writers;
+  for (int writer = 0; writer < kWriters; ++writer) {
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+      JournalFile file(folder_, ignore, {.mostBytes = 4000, .oldFiles = 7});
+      for (int i = 0; i < kLines; ++i)
+        file.append(std::to_string(writer) + "." + std::to_string(i) + "\n", false);
+      ::_exit(0);
+    }
+    writers.push_back(pid);
+  }
+  for (const pid_t pid : writers) {
+    int status = -1;
+    ASSERT_EQ(::waitpid(pid, &status, 0), pid);
+    EXPECT_EQ(status, 0);
+  }
+  const std::vector<std::string> lines = readJournal(folder_, ignore);
+  EXPECT_EQ(lines.size(), static_cast<std::size_t>(kWriters * kLines));
+  EXPECT_EQ(std::set<std::string>(lines.begin(), lines.end()).size(), lines.size());
+}
+
+TEST_F(JournalFileTest, AFolderThatIsNotThereIsAnError) {
+  JournalFile file(folder_ + "/none", ignore);
+  EXPECT_THROW(file.append("line\n", true), WriteError);
+  EXPECT_TRUE(readJournal(folder_ + "/none", ignore).empty());
+}
+
+}  // namespace
+}  // namespace serdesctl
