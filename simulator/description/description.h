@@ -13,6 +13,7 @@
 #include "simulator/description/clock.h"
 #include "simulator/description/faults.h"
 #include "simulator/link/channel.h"
+#include "simulator/link/ends.h"
 #include "simulator/serdes/register_map.h"
 
 namespace simulator {
@@ -71,9 +72,11 @@ struct PortDescription {
   PartnerDescription partner;
   std::uint32_t speed = SPEED_AUTO;
   bool sends = true;
-  unsigned loadPercent = 100;              // share of the line rate that frames take
-  std::array<Settings, kSpeeds> caches{};  // by port_speed_type; AUTO has none
-  std::optional<Settings> live = {};       // in force at start instead of the cache's
+  double signalDetectMv = kSignalDetectMv;  // below it a receive link takes what arrives for no signal
+  std::uint64_t errorSeed = 0;              // of the errors that it counts: the switch's seed, and the port's place
+  unsigned loadPercent = 100;               // share of the line rate that frames take
+  std::array<Settings, kSpeeds> caches{};   // by port_speed_type; AUTO has none
+  std::optional<Settings> live = {};        // in force at start instead of the cache's
 };
 
 struct CoreDescription {

@@ -2,7 +2,9 @@
 // refine what earlier ones said, so that a file states what ports have in common once.
 #include <algorithm>
 
+#include "simulator/description/line_rates.h"
 #include "simulator/description/words.h"
+#include "simulator/link/arrival.h"
 
 namespace simulator {
 namespace {
@@ -42,7 +44,7 @@ struct PortDraft {
   unsigned portsPerCore = 0;  // of the entry
   bool isMisplaced = false;
   std::optional<SpeedSet> mediaSpeeds;
-  std::optional<TomlValue> placed, userPort, farEnd;
+  std::optional<TomlValue> placed, userPort, farEnd, channel;
   std::array<std::optional<Use>, kSpeeds> caches;
   std::optional<Use> live, partner;
 };
@@ -170,6 +172,7 @@ constexpr auto kPortKeys = std::to_array<Key<PortDraft>>({
     {"speeds", [](auto& value, auto& draft) { draft.port.speeds = value.choiceSet(kFixedSpeedWords); }},
     {"channel",
      [](auto& value, auto& draft) {
+       draft.channel = value;
        draft.port.channel = lookUp(value, draft.library->channels, "channels");
      }},
     {"far_end", setFarEnd},
@@ -180,6 +183,7 @@ constexpr auto kPortKeys = std::to_array<Key<PortDraft>>({
      }},
     {"speed", [](auto& value, auto& draft) { draft.port.speed = value.choice(kSpeedWords); }},
     {"sends", [](auto& value, auto& draft) { draft.port.sends = value.boolean(); }},
+    {"signal_detect_mv", [](auto& value, auto& draft) { draft.port.signalDetectMv = value.number(0, 2000); }},
     {"load", [](auto& value, auto& draft) { value.store(draft.port.loadPercent, 0, 100); }},
     {"cache", setCaches},
     {"live",
@@ -273,6 +277,18 @@ void joinWithCore(PortDraft& draft, SerDesLinkType side, std::vector<CoreDraft>&
   if (side == SERDES_LINK_TX) judgeUse(draft.partner, side, core.core.type, isEthernet);
 }
 
+// An echo that comes too late to be worked out at the port's lowest speed is none that a description may have.
+void checkEchoes(const PortDraft& draft) {
+  const PortDescription& port = draft.port;
+  const double limitNs =
+      longestEchoNs(lineRateOf(lowestSpeed(port.speeds)).gigabaud(port.portType) / std::max(port.rxLinks, 1U));
+  for (const Echo& echo : port.channel.echoes) {
+    if (echo.delayNs <= limitNs) continue;
+    draft.channel->fail("has an echo that comes later than the " + std::to_string(static_cast<int>(limitNs)) +
+                        " ns that port " + std::to_string(draft.index) + " can have at its lowest speed");
+  }
+}
+
 void checkUserPort(const PortDraft& draft, unsigned asic, UserPorts& userPorts) {
   if (draft.port.userPort == kNoUserPort) return;
   const std::string whose = "port " + std::to_string(draft.index) + " of ASIC " + std::to_string(asic);
@@ -297,6 +313,7 @@ AsicDescription readAsic(const TomlTable& table, const Library& library, unsigne
   for (unsigned i = 0; i < ports.size(); ++i) {
     PortDraft& draft = ports[i];
     checkCable(ports, i);
+    checkEchoes(draft);
     checkUserPort(draft, asic, userPorts);
     for (const SerDesLinkType side : {SERDES_LINK_RX, SERDES_LINK_TX})
       joinWithCore(draft, side, cores);

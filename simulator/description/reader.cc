@@ -109,6 +109,16 @@ constexpr auto kKeys = std::to_array<Key<Draft>>({
      [](auto& value, auto& draft) { draft.description.faults = readFaults(value.tables(), draft.description.asics); }},
 });
 
+// No two counters of a switch may share a history: each port has room for 256.
+void seedErrors(SwitchDescription& description) {
+  const std::uint64_t seed = description.seed == 0 ? 1 : description.seed;
+  for (std::size_t asic = 0; asic < description.asics.size(); ++asic) {
+    std::vector<PortDescription>& ports = description.asics[asic].ports;
+    for (std::size_t port = 0; port < ports.size(); ++port)
+      ports[port].errorSeed = seed << 32 | asic << 16 | port << 8;
+  }
+}
+
 }  // namespace
 
 SwitchDescription readDescription(std::string_view text, const std::string& fileName) {
@@ -119,6 +129,7 @@ SwitchDescription readDescription(std::string_view text, const std::string& file
     draft.description.typeNames[type] = serDesTraits(type).name;
   root.read(kKeys, draft);
   if (draft.description.asics.empty()) root.fail("asics", "there must be one or two");
+  seedErrors(draft.description);
   draft.description.fingerprint = fingerprintOf(text);
   return std::move(draft.description);
 }

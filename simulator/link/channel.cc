@@ -13,7 +13,7 @@ double fitted(double coefficient) {
 
 }  // namespace
 
-Channel cascade(const Channel& first, const Channel& second) {
+Channel operator+(const Channel& first, const Channel& second) {
   Channel both = first;
   both.a0 += second.a0;
   both.a1 += second.a1;
@@ -24,12 +24,7 @@ Channel cascade(const Channel& first, const Channel& second) {
   const double jitter2 = limited(second.randomJitterUi, 0, 0.5);
   both.randomJitterUi = std::sqrt(jitter1 * jitter1 + jitter2 * jitter2);
   if (second.crosstalkDb > both.crosstalkDb) both.crosstalkDb = second.crosstalkDb;
-  both.connected = first.connected && second.connected;
   return both;
-}
-
-Channel operator+(const Channel& first, const Channel& second) {
-  return cascade(first, second);
 }
 
 Channel fr4Trace(double inches) {
@@ -68,25 +63,12 @@ Channel opticalModule(double hostTraceInches, double addedJitterUi) {
   return host;
 }
 
-std::array<double, 4> fitCoefficients(const Channel& channel) {
-  return {fitted(channel.a0), fitted(channel.a1), fitted(channel.a2), fitted(channel.a4)};
-}
+LossFit::LossFit(const Channel& channel)
+    : a0(fitted(channel.a0)), a1(fitted(channel.a1)), a2(fitted(channel.a2)), a4(fitted(channel.a4)) {}
 
 double insertionLossDb(const Channel& channel, double fGHz) {
   const double f = limited(fGHz, 0, 1e4);
-  const auto [a0, a1, a2, a4] = fitCoefficients(channel);
-  return limited(a0 + a1 * std::sqrt(f) + a2 * f + a4 * f * f, kMinLossDb, kMaxLossDb);
-}
-
-Complex channelResponse(const Channel& channel, double fGHz) {
-  const double f = limited(fGHz, 0, 1e4);
-  const double lag = fitted(channel.a1) * std::sqrt(f) - (2 / kPi) * fitted(channel.a2) * f * naturalLog(f);
-  Complex echoes{1, 0};
-  for (const Echo& echo : channel.echoes) {
-    const double delay = limited(echo.delayNs, 0, 1e4);
-    echoes = echoes + limited(echo.reflection, -1, 1) * unitPhasor(-2 * kPi * f * delay);
-  }
-  return fromDb(-insertionLossDb(channel, f)) * (unitPhasor(-lag / kNeperDb) * echoes);
+  return LossFit(channel).db(f, std::sqrt(f));
 }
 
 }  // namespace simulator

@@ -2,7 +2,6 @@
 // Units: frequency in GHz, time in ns, loss in dB (positive is loss), length as each name says.
 #pragma once
 
-#include <array>
 #include <vector>
 
 #include "simulator/link/math.h"
@@ -13,6 +12,7 @@ namespace simulator {
 struct Echo {
   double reflection = 0;
   double delayNs = 0;
+  bool operator==(const Echo&) const = default;
 };
 
 // IL(dB) = a0 + a1 sqrt(f) + a2 f + a4 f^2, the form of the IEEE 802.3 cable and channel fits (annex 93A, clause 85).
@@ -24,13 +24,12 @@ struct Channel {
   double a4 = 0;  // dB/GHz^2: radiation, roughness, stubs; negative in some fits
   std::vector<Echo> echoes;
   double randomJitterUi = 0;  // rms jitter that the medium adds, in UI (optical modules); 0 to 0.5
-  double crosstalkDb = -30;   // coupling of the neighbours at 4.25 GHz, rising 20 dB a decade
-  bool connected = true;      // false: no medium, or nothing is sent into it; the receiver sees no signal
+  double crosstalkDb = -30;   // coupling of all neighbours together at 4.25 GHz, rising 20 dB a decade; -200 to 0
+  bool operator==(const Channel&) const = default;
 };
 
 // Two media one after the other: losses add, echoes of both (and none of second order), jitter adds in power, and the
 // greater crosstalk counts, for the coupling happens mostly in one place.
-Channel cascade(const Channel& first, const Channel& second);
 Channel operator+(const Channel& first, const Channel& second);
 
 // Trace on common circuit board: a1 0.0908, a2 0.0562 an inch.
@@ -48,17 +47,21 @@ Channel directAttachCopper(double metres);
 // Host trace (8 to 12 in) and cage connector up to an optical module that regenerates the signal and adds jitter.
 Channel opticalModule(double hostTraceInches, double addedJitterUi = 0.02);
 
-// a0, a1, a2, a4 within their limits.
-std::array<double, 4> fitCoefficients(const Channel& channel);
-
 // Losses outside are taken as these: no medium gains a thousandfold, and none is quieter than silence.
 inline constexpr double kMinLossDb = -60;
 inline constexpr double kMaxLossDb = 6000;
 
+// a0, a1, a2, a4 within their limits.
+struct LossFit {
+  double a0, a1, a2, a4;
+  explicit LossFit(const Channel& channel);
+  // Loss in dB at fGHz, not below 0, without echoes; `rootF` is its square root.
+  double db(double fGHz, double rootF) const {
+    return limited(a0 + a1 * rootF + a2 * fGHz + a4 * fGHz * fGHz, kMinLossDb, kMaxLossDb);
+  }
+};
+
 // Loss in dB at fGHz without echoes; fGHz below 0 counts as 0.
 double insertionLossDb(const Channel& channel, double fGHz);
-
-// Transfer function: the loss with its causal phase exp(-j (a1 sqrt f - (2/pi) a2 f ln f) / 8.686), times the echoes.
-Complex channelResponse(const Channel& channel, double fGHz);
 
 }  // namespace simulator

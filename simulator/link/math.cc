@@ -2,8 +2,8 @@
 // polynomial.
 #include "simulator/link/math.h"
 
+#include <array>
 #include <bit>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -17,13 +17,19 @@ constexpr double kLn2High = 0x1.62e42fefp-1;  // 32 bits, so that its product wi
 constexpr double kLn2Low = 0x1.473de6af278edp-34;
 
 // 2^n for a normal result.
-double powerOfTwo(int n) {
+constexpr double powerOfTwo(int n) {
   return std::bit_cast<double>(static_cast<std::uint64_t>(n + 1023) << 52);
+}
+
+// Nearest whole number, of |x| below 2^31. The C library's floor is a call on processors that have no instruction for
+// it.
+constexpr int nearest(double x) {
+  return static_cast<int>(x < 0 ? x - 0.5 : x + 0.5);
 }
 
 // Sum of coefficients[i] x^i.
 template <std::size_t N>
-double polynomial(double x, const double (&coefficients)[N]) {
+constexpr double polynomial(double x, const double (&coefficients)[N]) {
   double sum = coefficients[N - 1];
   for (std::size_t i = N - 1; i > 0; --i)
     sum = sum * x + coefficients[i - 1];
@@ -47,7 +53,7 @@ constexpr double kCosine[] = {1,
 constexpr double kSine[] = {-1.0 / 6,        1.0 / 120,        -1.0 / 5040,         1.0 / 362880,
                             -1.0 / 39916800, 1.0 / 6227020800, -1.0 / 1307674368000};
 
-double exponentialNearZero(double r) {
+constexpr double exponentialNearZero(double r) {
   const double s = r * r;
   return polynomial(s, kExponentialEven) + r * polynomial(s, kExponentialOdd);
 }
@@ -61,13 +67,55 @@ constexpr double kScaledErfc[] = {
     -3.392130686829088650e-12, 2.6158087668540244876e-13,  1.2127675803108640048e-13, -2.114689543244809158e-15,
     -4.117340933404178368e-15, -6.3287127217007086477e-17, 1.4393110983449847282e-16};
 
-}  // namespace
-
-Complex operator/(Complex a, Complex b) {
-  const double norm = magnitudeSquared(b);
-  if (norm == 0) return {};
-  return {(a.re * b.re + a.im * b.im) / norm, (a.im * b.re - a.re * b.im) / norm};
+constexpr double scaledErfc(double x) {
+  const double share = 4 / (4 + x);
+  const double u = 2 * share - 1;
+  double b1 = 0;
+  double b2 = 0;
+  for (std::size_t i = std::size(kScaledErfc) - 1; i > 0; --i) {
+    const double b0 = 2 * u * b1 - b2 + kScaledErfc[i];
+    b2 = b1;
+    b1 = b0;
+  }
+  return share * (u * b1 - b2 + kScaledErfc[0]);
 }
+
+// e^x for |x| up to 700.
+constexpr double exponentialInRange(double x) {
+  const int n = nearest(x * (1 / (kLn2High + kLn2Low)));
+  return exponentialNearZero((x - n * kLn2High) - n * kLn2Low) * powerOfTwo(n);
+}
+
+// The tail at every 1/kTailSteps, so close together that a few derivatives reach from one to the next.
+constexpr int kTailEnd = 12;
+constexpr int kTailSteps = 64;
+constexpr auto kTails = [] {
+  std::array<NormalTail, kTailEnd * kTailSteps + 1> tails{};
+  for (std::size_t i = 0; i < tails.size(); ++i) {
+    const double x = static_cast<double>(i) / kTailSteps;
+    const double fall = exponentialInRange(-0.5 * x * x);
+    tails[i] = {0.5 * scaledErfc(x * 0.70710678118654752440) * fall, 0.39894228040143267794 * fall};
+  }
+  return tails;
+}();
+
+inline NormalTail tailInRange(double x) {
+  const double distance = x < 0 ? -x : x;
+  const int step = static_cast<int>(distance * kTailSteps + 0.5);
+  const NormalTail& near = kTails[static_cast<std::size_t>(step)];
+  const double at = static_cast<double>(step) * (1.0 / kTailSteps);
+  const double d = distance - at;
+  // The density's derivatives are Hermite polynomials times it.
+  const double h2 = at * at - 1;
+  const double h3 = at * (h2 - 2);
+  const double h4 = at * h3 - 3 * h2;
+  const double area = 1 - d * (at * (1.0 / 2) - d * (h2 * (1.0 / 6) - d * (h3 * (1.0 / 24) - d * h4 * (1.0 / 120))));
+  const double height = 1 - d * (at - d * (h2 * (1.0 / 2) - d * h3 * (1.0 / 6)));
+  const double tail = near.probability - near.density * d * area;
+  return {x < 0 ? 1 - tail : tail, near.density * height};
+}
+
+}  // namespace
 
 double limited(double value, double low, double high) {
   if (value != value) value = 0;
@@ -76,9 +124,7 @@ double limited(double value, double low, double high) {
 }
 
 double exponential(double x) {
-  x = limited(x, -700, 700);
-  const double n = std::floor(x * (1 / (kLn2High + kLn2Low)) + 0.5);
-  return exponentialNearZero((x - n * kLn2High) - n * kLn2Low) * powerOfTwo(static_cast<int>(n));
+  return exponentialInRange(limited(x, -700, 700));
 }
 
 double naturalLog(double x) {
@@ -120,18 +166,14 @@ double fromDb(double db) {
   return exponential(limited(db, -6000, 6000) * (1 / kNeperDb));
 }
 
-double toDb(double ratio) {
-  return naturalLog(ratio) * kNeperDb;
-}
-
 Complex unitPhasor(double x) {
   if (!(x > -1e9 && x < 1e9)) return {1, 0};
-  const double n = std::floor(x * (2 / kPi) + 0.5);
+  const int n = nearest(x * (2 / kPi));
   const double r = ((x - n * 0x1.921fb544p+0) - n * 0x1.0b4611a6p-34) - n * 0x1.3198a2e037073p-69;
   const double s = r * r;
   const double sine = r + r * s * polynomial(s, kSine);
   const double cosine = polynomial(s, kCosine);
-  switch (static_cast<std::int64_t>(n) & 3) {
+  switch (static_cast<unsigned>(n) & 3) {
     case 0:
       return {cosine, sine};
     case 1:
@@ -143,41 +185,26 @@ Complex unitPhasor(double x) {
   }
 }
 
-double complementaryError(double x) {
-  x = limited(x, -30, 30);
-  if (x < 0) return 2 - complementaryError(-x);
-  if (x > 26) return 0;
-  const double share = 4 / (4 + x);
-  const double u = 2 * share - 1;
-  double b1 = 0;
-  double b2 = 0;
-  for (std::size_t i = std::size(kScaledErfc) - 1; i > 0; --i) {
-    const double b0 = 2 * u * b1 - b2 + kScaledErfc[i];
-    b2 = b1;
-    b1 = b0;
-  }
-  return exponential(-x * x) * share * (u * b1 - b2 + kScaledErfc[0]);
+NormalTail normalTail(double x) {
+  return tailInRange(limited(x, -kTailEnd, kTailEnd));
 }
 
-double qFunction(double x) {
-  return 0.5 * complementaryError(x * 0.70710678118654752440);
-}
-
-double inverseQ(double ber) {
-  ber = limited(ber, 1e-290, 1 - 1e-15);
-  if (ber > 0.5) return -inverseQ(1 - ber);
-  // A start of the right size, then Newton's steps on ln Q, which is nearly a parabola.
-  const double target = naturalLog(ber);
-  double x = std::sqrt(-2 * target) - 1;
-  if (x < 0) x = 0;
-  for (int i = 0; i < 12; ++i) {
-    const double q = qFunction(x);
-    const double density = exponential(-0.5 * x * x) * 0.39894228040143267794;
-    if (q <= 0 || density <= 0) break;
-    x += (naturalLog(q) - target) * (q / density);
-    x = limited(x, 0, 36.5);
+NormalTail sumOfTails(std::span<const double> values, double offset, double most) {
+  constexpr double kSure = -9;  // the tail beyond it rounds to 1
+  most = limited(most, kSure, kTailEnd);
+  NormalTail sum;
+  for (const double value : values) {
+    const double x = value - offset;
+    if (x > most) continue;
+    if (x < kSure) {
+      sum.probability += 1;
+      continue;
+    }
+    const NormalTail tail = tailInRange(x);
+    sum.probability += tail.probability;
+    sum.density += tail.density;
   }
-  return x;
+  return sum;
 }
 
 }  // namespace simulator

@@ -3,6 +3,8 @@
 // All are total: what is not a number counts as 0, and no result is infinite or not a number.
 #pragma once
 
+#include <span>
+
 namespace simulator {
 
 inline constexpr double kPi = 3.14159265358979323846;
@@ -29,8 +31,6 @@ inline Complex operator*(double s, Complex a) {
 inline double magnitudeSquared(Complex a) {
   return a.re * a.re + a.im * a.im;
 }
-// 0 where the divisor is 0.
-Complex operator/(Complex a, Complex b);
 
 // `value` limited to [low, high]; not a number gives `low` <= 0 <= `high` ? 0 : `low`.
 double limited(double value, double low, double high);
@@ -42,17 +42,19 @@ double naturalLog(double x);
 // e^x - 1 and ln(1 + x) without loss of digits near 0.
 double exponentialMinusOne(double x);
 double logOnePlus(double x);
-// 10^(db/20) and its inverse.
+// 10^(db/20).
 double fromDb(double db);
-double toDb(double ratio);
 // cos x + j sin x, absolute error below 1e-15 for |x| below 1e5 (beyond 1e9 the angle counts as 0).
 Complex unitPhasor(double x);
 
-// erfc(x), relative error below 1e-13 for x from -6 to 26; beyond 26 it is 0.
-double complementaryError(double x);
-// Upper tail of the normal distribution, erfc(x / sqrt 2) / 2: the bit error rate at an eye of x sigma.
-double qFunction(double x);
-// The x with qFunction(x) = ber, to 1e-10; ber is limited to 1e-290 .. 1 - 1e-15.
-double inverseQ(double ber);
+// Upper tail of the normal distribution, relative error below 1e-9: Q(x) = erfc(x / sqrt 2) / 2, the bit error rate at
+// an eye of x sigma, with its density exp(-x^2 / 2) / sqrt(2 pi) to 1e-5. x is limited to +-12.
+struct NormalTail {
+  double probability = 0;
+  double density = 0;
+};
+NormalTail normalTail(double x);
+// The sum of normalTail(x - offset) over all x of `values` but those that are more than `most` above it.
+NormalTail sumOfTails(std::span<const double> values, double offset, double most);
 
 }  // namespace simulator

@@ -12,7 +12,7 @@
 
 namespace simulator {
 
-inline constexpr int kStateFormat = 1;
+inline constexpr int kStateFormat = 2;
 
 // What is wrong with a state file, beginning with the file's name, and the error code that it comes to.
 class StateError : public std::runtime_error {

@@ -10,21 +10,24 @@ namespace {
 constexpr double kFrameBytes = 2148;
 constexpr double kEthernetFrameBytes = 1518;
 
-// What a port that runs takes in of decode and CRC errors.
-void countFrames(const Port& port, Reception& reception, double baud, std::uint64_t elapsed) {
-  const PortDescription& described = port.description;
-  const LineCode code = lineCodeOf(port.state.operatingSpeed);
+// Decode errors a second of a link.
+double decodeRate(Reception& reception, unsigned link, double baud, LineCode code) {
+  if (!reception.listens(link)) return 0;
+  if (!reception.result(link).locked) return violationRate(baud, code);
+  return reception.incoming(link).pattern == 0 ? decodeErrorRate(reception.result(link).ber, baud, code) : 0;
+}
+
+// CRC errors a second of the frames that arrive.
+double crcRate(Reception& reception, double baud, LineCode code) {
+  if (!reception.takesFrames()) return 0;
+  const PortDescription& described = reception.port().description;
+  const unsigned links = reception.port().rx.links;
   const double frameBits = lineBits(described.portType == kPortTypeExg ? kEthernetFrameBytes : kFrameBytes, code);
-  const double framesPerSecond = baud * port.rx.links * 1e9 / frameBits * described.loadPercent / 100;
-  double decodeRate = 0;
-  double crcRate = 0;
-  for (unsigned link = 0; link < port.rx.links; ++link) {
-    const double ber = reception.result(link).ber;
-    decodeRate += decodeErrorRate(ber, baud, code);
-    crcRate += crcErrorRate(ber, frameBits / port.rx.links, framesPerSecond);
-  }
-  port.state.decodeErrors.accumulate(errorRate(decodeRate), elapsed);
-  port.state.crcErrors.accumulate(errorRate(crcRate), elapsed);
+  const double framesPerSecond = baud * links * 1e9 / frameBits * described.loadPercent / 100;
+  double rate = 0;
+  for (unsigned link = 0; link < links; ++link)
+    rate += crcErrorRate(reception.result(link).ber, frameBits / links, framesPerSecond);
+  return rate;
 }
 
 }  // namespace
@@ -34,11 +37,17 @@ void settle(const Port& port, Reception& reception, std::uint64_t now) {
   if (elapsed == 0) return;
   port.state.settledAt = now;
   const double baud = linkBaud(port, port.rx);
-  if (reception.portStatus() == kPortStateRunning) countFrames(port, reception, baud, elapsed);
-  for (unsigned link = 0; link < port.rx.links; ++link) {
+  const LineCode code = lineCode(port);
+  double decodeErrors = 0;
+  // Each counter has a seed of its own.
+  std::uint64_t seed = port.description.errorSeed;
+  for (unsigned link = 0; link < port.rx.links; ++link, ++seed) {
+    decodeErrors += decodeRate(reception, link, baud, code);
     if (!reception.findsPattern(link)) continue;
-    port.state.rx[link].checkErrors.accumulate(errorRate(reception.result(link).ber * baud * 1e9), elapsed);
+    port.state.rx[link].checkErrors.accumulate(errorRate(reception.result(link).ber * baud * 1e9), elapsed, seed);
   }
+  port.state.decodeErrors.accumulate(errorRate(decodeErrors), elapsed, seed);
+  port.state.crcErrors.accumulate(errorRate(crcRate(reception, baud, code)), elapsed, seed + 1);
 }
 
 void settle(const Port& port, LinkResults& results, std::uint64_t now) {
@@ -49,6 +58,8 @@ void settle(const Port& port, LinkResults& results, std::uint64_t now) {
 void settleAround(const Port& port, LinkResults& results, std::uint64_t now) {
   settle(port, results, now);
   if (const auto far = port.cabled()) settle(*far, results, now);
+  for (const unsigned number : neighboursOf(port))
+    settle(Port(port.asic, number), results, now);
 }
 
 void settleCore(const Asic& asic, unsigned core, LinkResults& results, std::uint64_t now) {
@@ -60,7 +71,7 @@ void settleCore(const Asic& asic, unsigned core, LinkResults& results, std::uint
 
 void receiveErrors(const Port& port, unsigned link, std::uint32_t errors, LinkResults& results) {
   Reception reception(port, results);
-  if (reception.portStatus() == kPortStateRunning) {
+  if (reception.takesFrames()) {
     port.state.decodeErrors.count += errors;
     port.state.crcErrors.count += errors;
   }

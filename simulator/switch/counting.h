@@ -9,7 +9,7 @@ namespace simulator {
 // Counts what the port has taken in up to `now`. `reception` is that port's, of now.
 void settle(const Port& port, Reception& reception, std::uint64_t now);
 void settle(const Port& port, LinkResults& results, std::uint64_t now);
-// Also at the port at the other end of the cable: both depend on what this port sends.
+// Also at the port at the other end of the cable and at the neighbours of both: all depend on what the two send.
 void settleAround(const Port& port, LinkResults& results, std::uint64_t now);
 // Also at all ports that a core serves.
 void settleCore(const Asic& asic, unsigned core, LinkResults& results, std::uint64_t now);

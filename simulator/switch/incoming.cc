@@ -1,6 +1,8 @@
 // Who sends, and what a receiver gets of it.
 #include "simulator/switch/incoming.h"
 
+#include <algorithm>
+
 #include "simulator/switch/speed.h"
 
 namespace simulator {
@@ -32,11 +34,34 @@ Incoming sentByPartner(const PortView& port) {
           .pattern = partner.pattern};
 }
 
+// Onto the medium, for there has to be one.
+Incoming sentOut(const PortView& port, unsigned link) {
+  return port.description.media == MEDIA_NONE ? Incoming{} : sentBy(port, link);
+}
+
 Incoming sentByFarEnd(const PortView& port, unsigned link) {
   if (port.description.media == MEDIA_NONE) return {};
   if (port.description.farEnd == FarEnd::kPartner) return sentByPartner(port);
   const auto far = port.cabled();
-  return far && far->description.media != MEDIA_NONE ? sentBy(*far, link) : Incoming{};
+  return far ? sentOut(*far, link) : Incoming{};
+}
+
+bool leadsTo(const PortView& port, unsigned number) {
+  return port.description.farEnd == FarEnd::kPort && port.description.farPort == number;
+}
+
+// Calls `visit(port, distance)` for the ports that are near enough to disturb.
+template <typename Visit>
+void forEachNeighbour(const PortView& port, Visit visit) {
+  for (unsigned distance = 1; distance <= kFarthestNeighbour; ++distance) {
+    if (port.number >= distance) visit(PortView(port.asic, port.number - distance), distance);
+    const unsigned next = port.number + distance;
+    if (next < port.asic.state.ports.size()) visit(PortView(port.asic, next), distance);
+  }
+}
+
+bool isLooped(const PortView& port, unsigned link) {
+  return port.rxField(link, Field::kLoopback) != 0;
 }
 
 }  // namespace
@@ -54,10 +79,42 @@ bool linkSends(const PortView& port, unsigned link) {
 }
 
 Incoming incomingOf(const PortView& port, unsigned link) {
-  const bool isLooped = port.rxField(link, Field::kLoopback) != 0;
-  Incoming incoming = isLooped ? sentBy(port, link) : sentByFarEnd(port, link);
-  incoming.channel = isLooped ? &loopbackChannel() : &port.description.channel;
+  const bool looped = isLooped(port, link);
+  Incoming incoming = looped ? sentBy(port, link) : sentByFarEnd(port, link);
+  incoming.channel = looped ? &loopbackChannel() : &port.description.channel;
   return incoming;
+}
+
+std::vector<Aggressor> aggressorsOf(const PortView& port, unsigned link) {
+  std::vector<Aggressor> aggressors;
+  if (isLooped(port, link)) return aggressors;
+  const auto add = [&](const Incoming& sent, unsigned distance, bool farEnd) {
+    if (!sent.arrives) return;
+    aggressors.push_back(
+        {.transmitter = sent.transmitter, .baudGbd = sent.baudGbd, .distance = distance, .farEnd = farEnd});
+  };
+  forEachNeighbour(port, [&](const PortView& neighbour, unsigned distance) {
+    const unsigned txLinks = neighbour.tx.links;
+    if (!leadsTo(port, neighbour.number) && txLinks > 0)
+      add(sentOut(neighbour, std::min(link, txLinks - 1)), distance, false);
+    const unsigned rxLinks = neighbour.rx.links;
+    if (!leadsTo(neighbour, port.number) && rxLinks > 0)
+      add(sentByFarEnd(neighbour, std::min(link, rxLinks - 1)), distance, true);
+  });
+  return aggressors;
+}
+
+std::vector<unsigned> neighboursOf(const PortView& port) {
+  std::vector<unsigned> numbers;
+  const auto far = port.cabled();
+  const auto collect = [&](const PortView& neighbour, unsigned) {
+    const unsigned number = neighbour.number;
+    if (number == port.number || (far && number == far->number)) return;
+    if (std::find(numbers.begin(), numbers.end(), number) == numbers.end()) numbers.push_back(number);
+  };
+  forEachNeighbour(port, collect);
+  if (far) forEachNeighbour(*far, collect);
+  return numbers;
 }
 
 }  // namespace simulator

@@ -1,6 +1,8 @@
 // Gathers the inputs of the link model and asks it when they have changed.
 #include "simulator/switch/link_results.h"
 
+#include <utility>
+
 #include "simulator/switch/speed.h"
 
 namespace simulator {
@@ -18,6 +20,7 @@ LinkInputs inputsOf(const PortView& port, unsigned link, const Incoming& incomin
   Receiver receiver = receiverOf(port.rx.traits, port.state.rx[link].registers);
   receiver.evenOddMismatch = port.rx.traits.hasEvenAndOddTaps ? mismatchOf(port, link) : 0;
   receiver.offsetLsb = offsetOf(port, link);
+  receiver.signalDetectMv = port.description.signalDetectMv;
   return {.isOn = port.rxField(link, Field::kRxEnable) != 0,
           .isClocked = port.rx.pllLocked(),
           .arrives = incoming.arrives,
@@ -25,7 +28,8 @@ LinkInputs inputsOf(const PortView& port, unsigned link, const Incoming& incomin
           .channel = incoming.channel,
           .receiver = receiver,
           .farBaudGbd = incoming.baudGbd,
-          .baudGbd = linkBaud(port, port.rx)};
+          .baudGbd = linkBaud(port, port.rx),
+          .aggressors = aggressorsOf(port, link)};
 }
 
 }  // namespace
@@ -37,20 +41,38 @@ LinkResults::LinkResults(const SwitchDescription& description) {
 
 LinkResult LinkResults::evaluate(const LinkInputs& inputs) {
   if (!inputs.isOn) return {};
-  if (!inputs.arrives || !inputs.isClocked) {
+  if (!inputs.isLive()) {
     LinkResult result = silentLink(inputs.receiver);
     result.signalDetected = inputs.arrives;
     return result;
   }
   ++evaluations_;
-  return evaluateLink(inputs.transmitter, *inputs.channel, inputs.receiver, inputs.baudGbd, inputs.farBaudGbd);
+  return evaluateLink(inputs.transmitter, *inputs.channel, inputs.receiver, inputs.baudGbd, inputs.farBaudGbd,
+                      inputs.aggressors);
+}
+
+LinkResults::Memo& LinkResults::memoOf(const PortView& port, unsigned link, const Incoming& incoming) {
+  Memo& memo = memos_[port.asic.number][port.number][link];
+  LinkInputs inputs = inputsOf(port, link, incoming);
+  if (memo.isValid && memo.inputs == inputs) return memo;
+  const LinkResult result = evaluate(inputs);
+  memo = {.isValid = true, .inputs = std::move(inputs), .result = result, .eye = nullptr};
+  return memo;
 }
 
 const LinkResult& LinkResults::of(const PortView& port, unsigned link, const Incoming& incoming) {
-  Memo& memo = memos_[port.asic.number][port.number][link];
-  const LinkInputs inputs = inputsOf(port, link, incoming);
-  if (!memo.isValid || memo.inputs != inputs) memo = {.isValid = true, .inputs = inputs, .result = evaluate(inputs)};
-  return memo.result;
+  return memoOf(port, link, incoming).result;
+}
+
+EyeScan& LinkResults::eyeOf(const PortView& port, unsigned link, const Incoming& incoming) {
+  Memo& memo = memoOf(port, link, incoming);
+  if (!memo.eye) {
+    const LinkInputs& inputs = memo.inputs;
+    const double baudGbd = inputs.isLive() ? inputs.baudGbd : 0;  // no eye at a baud of 0
+    memo.eye = std::make_unique<EyeScan>(inputs.transmitter, *inputs.channel, inputs.receiver, baudGbd,
+                                         inputs.farBaudGbd, inputs.aggressors);
+  }
+  return *memo.eye;
 }
 
 }  // namespace simulator

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <array>
+#include <memory>
 #include <vector>
 
+#include "simulator/link/eye_scan.h"
 #include "simulator/link/model.h"
 #include "simulator/switch/incoming.h"
 
@@ -20,8 +22,13 @@ struct LinkInputs {
   Receiver receiver;
   double farBaudGbd = 0;
   double baudGbd = 0;
+  std::vector<Aggressor> aggressors;
 
   bool operator==(const LinkInputs&) const = default;
+  // Whether there is anything to work out.
+  bool isLive() const {
+    return isOn && isClocked && arrives;
+  }
 };
 
 class LinkResults {
@@ -30,6 +37,8 @@ class LinkResults {
 
   // Good until the link is asked for again.
   const LinkResult& of(const PortView& port, unsigned link, const Incoming& incoming);
+  // The link's eye, which fills in as it is read.
+  EyeScan& eyeOf(const PortView& port, unsigned link, const Incoming& incoming);
   // How many results the link model has worked out so far.
   unsigned evaluations() const {
     return evaluations_;
@@ -40,8 +49,10 @@ class LinkResults {
     bool isValid = false;
     LinkInputs inputs;
     LinkResult result;
+    std::unique_ptr<EyeScan> eye;  // null until it is asked for
   };
 
+  Memo& memoOf(const PortView& port, unsigned link, const Incoming& incoming);
   LinkResult evaluate(const LinkInputs& inputs);
 
   std::vector<std::vector<std::array<Memo, kMaxLinks>>> memos_;  // by ASIC, port and link

@@ -17,9 +17,22 @@ const LinkResult& Reception::result(unsigned link) {
   return *result;
 }
 
+bool Reception::listens(unsigned link) {
+  return port_.rxField(link, Field::kRxEnable) != 0 && port_.rx.pllLocked() && incoming(link).arrives;
+}
+
 bool Reception::findsPattern(unsigned link) {
   const auto pattern = static_cast<unsigned>(port_.rxField(link, Field::kCheckPattern));
   return pattern != 0 && incoming(link).pattern == pattern && result(link).locked;
+}
+
+bool Reception::takesFrames() {
+  const unsigned links = port_.rx.links;
+  if (links == 0 || !speedAgreed(port_)) return false;
+  for (unsigned link = 0; link < links; ++link) {
+    if (incoming(link).pattern != 0 || !result(link).locked) return false;
+  }
+  return true;
 }
 
 unsigned long Reception::portStatus() {

@@ -31,8 +31,16 @@ class Reception {
   }
   const Incoming& incoming(unsigned link);
   const LinkResult& result(unsigned link);
+  EyeScan& eye(unsigned link) {
+    return results_.eyeOf(port_, link, incoming(link));
+  }
+  // Whether the receiver works and something is sent to it, be it too weak to be told from noise.
+  bool listens(unsigned link);
   // Whether the link checks for a pattern, and that arrives.
   bool findsPattern(unsigned link);
+  // Whether frames arrive: all links follow what they hear, at a speed of both ends, and that is no test pattern. What
+  // the port itself sends has nothing to do with it.
+  bool takesFrames();
   // kPortStateRunning or a PortStatus.
   unsigned long portStatus();
 

@@ -1,40 +1,13 @@
 // Speed agreement: a port's own speeds, those of its medium, and those of the far end.
 #include "simulator/switch/speed.h"
 
+#include "simulator/description/line_rates.h"
 #include "simulator/serdes/settings.h"
 
 namespace simulator {
 namespace {
 
 constexpr SpeedSet kEverySpeed = ~SpeedSet{0};
-
-// What a port does at each speed. Bauds are those of the whole port; ethernet has its own.
-struct SpeedRow {
-  std::uint32_t speed;
-  double gigabaud;
-  double ethernetGigabaud;
-  LineCode code;
-};
-constexpr SpeedRow kRows[] = {
-    {.speed = SPEED_1G, .gigabaud = 1.0625, .ethernetGigabaud = 1.25, .code = LineCode::k8b10b},
-    {.speed = SPEED_2G, .gigabaud = 2.125, .ethernetGigabaud = 2.5, .code = LineCode::k8b10b},
-    {.speed = SPEED_4G, .gigabaud = 4.25, .ethernetGigabaud = 5, .code = LineCode::k8b10b},
-    {.speed = SPEED_8G, .gigabaud = 8.5, .ethernetGigabaud = 10.3125, .code = LineCode::k8b10b},
-    {.speed = SPEED_10G, .gigabaud = 10.51875, .ethernetGigabaud = 10.3125, .code = LineCode::k64b66b},
-    {.speed = SPEED_20G, .gigabaud = 21.0375, .ethernetGigabaud = 20.625, .code = LineCode::k64b66b},
-};
-
-constexpr const SpeedRow& rowOf(std::uint32_t speed) {
-  return kRows[speed - SPEED_1G];
-}
-
-constexpr bool rowsStandAtTheirSpeed() {
-  for (std::uint32_t speed = SPEED_1G; speed < kSpeeds; ++speed) {
-    if (rowOf(speed).speed != speed) return false;
-  }
-  return true;
-}
-static_assert(rowsStandAtTheirSpeed());
 
 bool has(SpeedSet speeds, std::uint32_t speed) {
   return (speeds & speedBit(speed)) != 0;
@@ -45,13 +18,6 @@ std::uint32_t highest(SpeedSet speeds) {
     if (has(speeds, speed)) return speed;
   }
   return SPEED_AUTO;
-}
-
-std::uint32_t lowest(SpeedSet speeds) {
-  for (std::uint32_t speed = SPEED_1G; speed < kSpeeds; ++speed) {
-    if (has(speeds, speed)) return speed;
-  }
-  return SPEED_1G;
 }
 
 SpeedSet configured(std::uint32_t speed) {
@@ -93,15 +59,18 @@ bool carries(const PortView& port, std::uint32_t speed) {
 }
 
 // A port without an agreed speed runs at its lowest.
+const LineRate& rateAt(std::uint32_t agreed, SpeedSet speeds) {
+  return lineRateOf(agreed != SPEED_AUTO ? agreed : lowestSpeed(speeds));
+}
+
 double baudAt(const PortView& port, std::uint32_t agreed, SpeedSet speeds, const PortSide& side) {
-  const SpeedRow& row = rowOf(agreed != SPEED_AUTO ? agreed : lowest(speeds));
-  return (port.description.portType == kPortTypeExg ? row.ethernetGigabaud : row.gigabaud) / side.links;
+  return rateAt(agreed, speeds).gigabaud(port.description.portType) / side.links;
 }
 
 }  // namespace
 
-LineCode lineCodeOf(std::uint32_t speed) {
-  return rowOf(speed).code;
+LineCode lineCode(const PortView& port) {
+  return rateAt(port.state.operatingSpeed, port.description.speeds).code;
 }
 
 double linkBaud(const PortView& port, const PortSide& side) {

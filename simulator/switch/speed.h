@@ -6,7 +6,8 @@
 
 namespace simulator {
 
-LineCode lineCodeOf(std::uint32_t speed);
+// Of what the port hears and sends; like the baud, that of its lowest speed without an agreed one.
+LineCode lineCode(const PortView& port);
 // Gbd of each link of a side, at the port's speed; without an agreed speed a port sends and listens at its lowest.
 double linkBaud(const PortView& port, const PortSide& side);
 // The same of what the partner at the far end sends.

@@ -81,6 +81,7 @@ void walkRegisters(Archive& archive, const std::string& name, RegisterFile& regi
 template <typename Archive>
 void walkCounter(Archive& archive, ErrorCounter& counter) {
   archive.value(counter.count, kAny);
+  archive.value(counter.exposure, kAny);
   archive.value(counter.carry, ErrorCounter::kCarryUnit - 1);
 }
 
@@ -117,7 +118,7 @@ void walkPort(Archive& archive, const std::string& name, const PortDescription& 
     RxLinkState& rx = port.rx[link];
     walkRegisters(archive, name + ".rx" + std::to_string(link), rx.registers);
     walkCounter(archive, rx.checkErrors);
-    archive.value(rx.marginShown, 1);
+    archive.value(rx.marginShown, kMaxMarginMode);
     archive.value(rx.sensor, 1);
   }
 }

@@ -8,11 +8,22 @@
 #include <vector>
 
 #include "simulator/description/description.h"
+#include "simulator/link/eye_scan.h"
 #include "simulator/serdes/register_map.h"
 #include "simulator/switch/error_counter.h"
 #include "simulator/switch/faults.h"
 
 namespace simulator {
+
+// What test option 4 can read. A point of the eye, `phase` and `level` from the middle, is the mode
+// kMarginPoint + 256 phase + level.
+enum MarginMode : std::uint32_t {
+  kMarginHeight = 0,  // converter steps
+  kMarginErrorRate = 1,
+  kMarginWidth = 2,  // thousandths of a UI
+  kMarginPoint = 0x18080,
+};
+inline constexpr int kMaxMarginMode = kMarginPoint + 256 * EyeScan::kMaxPhase + EyeScan::kMaxLevel;
 
 struct TxLinkState {
   RegisterFile registers{};
@@ -21,9 +32,9 @@ struct TxLinkState {
 
 struct RxLinkState {
   RegisterFile registers{};
-  ErrorCounter checkErrors;      // bit errors that pattern checking has found
-  std::uint8_t marginShown = 0;  // what test option 4 reads: 0 eye height, 1 error rate
-  std::uint8_t sensor = 0;       // what test option 9 reads: 0 the receive core's temperature, 1 the transmit core's
+  ErrorCounter checkErrors;       // bit errors that pattern checking has found
+  std::uint32_t marginShown = 0;  // what test option 4 reads, a MarginMode or a point of the eye
+  std::uint8_t sensor = 0;        // what test option 9 reads: 0 the receive core's temperature, 1 the transmit core's
 };
 
 struct PortState {

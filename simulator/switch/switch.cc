@@ -224,8 +224,8 @@ int Switch::clearCounters(port_id_t port) {
   if (const int code = findPort(port); code != kOk) return code;
   const Port found = at(port);
   settle(found, results_, clock_.now());
-  found.state.decodeErrors = {};
-  found.state.crcErrors = {};
+  found.state.decodeErrors.clear();
+  found.state.crcErrors.clear();
   return kOk;
 }
 

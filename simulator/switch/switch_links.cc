@@ -214,7 +214,7 @@ int Switch::setTestOption(unsigned asic, unsigned port, int link, std::uint32_t 
   const Port found = at(asic, port);
   LinkRange range;
   if (const int code = findLinks(found, row->side, link, &range); code != kOk) return code;
-  if (mode < 0 || mode > row->greatestMode) return kOutOfRange;
+  if (!row->hasMode(mode)) return kOutOfRange;
   if (!row->isFor(found) && range.first < range.last) return kNotSupported;
   settleAround(found, results_, clock_.now());
   for (unsigned l = range.first; l < range.last; ++l)

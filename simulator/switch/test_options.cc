@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdlib>
+#include <optional>
 
 #include "simulator/switch/counting.h"
 #include "simulator/switch/registers.h"
@@ -25,6 +27,29 @@ int exponentOf(double ber) {
   for (double rate = ber; rate < 1 && exponent < 18; rate *= 10)
     ++exponent;
   return exponent;
+}
+
+struct EyePoint {
+  int phase;
+  int level;
+};
+std::optional<EyePoint> pointOf(int mode) {
+  constexpr int kBias = 128;
+  const int fromFirst = mode - static_cast<int>(kMarginPoint) + 256 * kBias + kBias;
+  const EyePoint point = {.phase = fromFirst / 256 - kBias, .level = fromFirst % 256 - kBias};
+  const bool isInEye =
+      fromFirst >= 0 && std::abs(point.phase) <= EyeScan::kMaxPhase && std::abs(point.level) <= EyeScan::kMaxLevel;
+  return isInEye ? std::optional(point) : std::nullopt;
+}
+
+int marginOf(Reception& reception, unsigned link) {
+  const std::uint32_t shown = reception.port().state.rx[link].marginShown;
+  if (const auto point = pointOf(static_cast<int>(shown))) {
+    return reception.eye(link).exponent(point->phase, point->level);
+  }
+  if (shown == kMarginWidth) return reception.eye(link).widthMilliUi();
+  const LinkResult& result = reception.result(link);
+  return shown == kMarginErrorRate ? exponentOf(result.ber) : eyeReading(result);
 }
 
 // Errors on the way from a transmitter go to the one receiver that hears it.
@@ -75,7 +100,7 @@ constexpr TestOptionRow kRows[] = {
      .set =
          [](const TestedLink& link, int mode) {
            link.port.setRxField(link.number, kCheckPattern, mode);
-           if (mode != 0) link.rx().checkErrors = {};
+           if (mode != 0) link.rx().checkErrors.clear();
          },
      .status =
          [](Reception& reception, unsigned link) {
@@ -85,13 +110,10 @@ constexpr TestOptionRow kRows[] = {
          }},
     {.option = kTestMargin,
      .side = SERDES_LINK_RX,
-     .greatestMode = 1,
-     .set = [](const TestedLink& link, int mode) { link.rx().marginShown = static_cast<std::uint8_t>(mode); },
-     .status =
-         [](Reception& reception, unsigned link) {
-           const LinkResult& result = reception.result(link);
-           return reception.port().state.rx[link].marginShown == 0 ? eyeReading(result) : exponentOf(result.ber);
-         }},
+     .greatestMode = kMaxMarginMode,
+     .takes = [](int mode) { return mode <= static_cast<int>(kMarginWidth) || pointOf(mode).has_value(); },
+     .set = [](const TestedLink& link, int mode) { link.rx().marginShown = static_cast<std::uint32_t>(mode); },
+     .status = marginOf},
     {.option = kTestInjectErrors,
      .side = SERDES_LINK_TX,
      .greatestMode = 65535,
@@ -112,7 +134,7 @@ constexpr TestOptionRow kRows[] = {
     {.option = kTestClearCheck,
      .side = SERDES_LINK_RX,
      .greatestMode = 0,
-     .set = [](const TestedLink& link, int) { link.rx().checkErrors = {}; }},
+     .set = [](const TestedLink& link, int) { link.rx().checkErrors.clear(); }},
     {.option = kTestTemperature,
      .side = SERDES_LINK_RX,
      .greatestMode = 1,

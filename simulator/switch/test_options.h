@@ -32,12 +32,16 @@ struct TestedLink {
 
 struct TestOptionRow {
   TestOption option;
-  SerDesLinkType side;  // whose links it is about
-  int greatestMode;     // modes start at 0
+  SerDesLinkType side;                // whose links it is about
+  int greatestMode;                   // modes start at 0
+  bool (*takes)(int mode) = nullptr;  // null: all to the greatest
   bool needsDfe = false;
   void (*set)(const TestedLink& link, int mode);
   int (*status)(Reception& reception, unsigned link) = nullptr;  // null: there is none to read
 
+  bool hasMode(int mode) const {
+    return mode >= 0 && mode <= greatestMode && (takes == nullptr || takes(mode));
+  }
   bool isFor(const PortView& port) const {
     return !needsDfe || port.rx.map.has(Field::kHold);
   }

@@ -164,7 +164,7 @@ class UnusableFile(Bench):
         self.refused(b"\0" * 4096, cut_off)
         self.refused(b"\x7fELF" + bytes(range(256)) * 16, cut_off)
         self.refused(good.replace(b"0x000b", b"0x000c", 1), b"is damaged")
-        self.refused(good.replace(b"format = 1", b"format = 2", 1), b"is damaged")
+        self.refused(good.replace(b"format = 2", b"format = 3", 1), b"is damaged")
         self.state.write_bytes(good)
         self.succeed("showFFE 0\n")
 

@@ -50,7 +50,7 @@ a0 = 0.1
 a1 = 0.4
 a2 = 0.6
 a4 = 0.004
-fr4_inches = 12
+fr4_inches = 24
 board_mm = 20
 copper_metres = 1
 optical_host_inches = 1
@@ -100,6 +100,7 @@ far_end = "pair"
 speed = "AUTO"
 sends = true
 load = 100
+signal_detect_mv = 50
 cache = "fast"
 
 [[asics.ports]]
@@ -343,7 +344,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"Ethernet/raw", "eq_mode = 3", "eq_mode = 99\nraw = true", "GetSerDesRxRateParams(0, 4,"},
         Row{"Channel/a0", "a0 = 0.1", "a0 = 6", kStats0}, Row{"Channel/a1", "a1 = 0.4", "a1 = 2", kStats0},
         Row{"Channel/a2", "a2 = 0.6", "a2 = 2", kStats0}, Row{"Channel/a4", "a4 = 0.004", "a4 = 0.1", kStats0},
-        Row{"Channel/fr4_inches", "fr4_inches = 12", "fr4_inches = 20", kStats0},
+        Row{"Channel/fr4_inches", "fr4_inches = 24", "fr4_inches = 30", kStats0},
         Row{"Channel/board_mm", "board_mm = 20", "board_mm = 200", kStats0},
         Row{"Channel/copper_metres", "copper_metres = 1", "copper_metres = 4", kStats0},
         Row{"Channel/optical_host_inches", "optical_host_inches = 1", "optical_host_inches = 9", kStats0},
@@ -388,6 +389,7 @@ INSTANTIATE_TEST_SUITE_P(
             "GetPortInfo"},
         Row{"Port/speed", "\nspeed = \"AUTO\"", "\nspeed = \"4G\"", "GetPortCfgSpeed"},
         Row{"Port/sends", "\nsends = true", "\nsends = false", "TxStreamState"},
+        Row{"Port/signal_detect_mv", "signal_detect_mv = 50", "signal_detect_mv = 2000", kStats0},
         Row{"Port/load", "load = 100", "load = 10", "GetFrameStatCntrs"},
         Row{"Port/cache", "cache = \"fast\"", "cache = { 4G = \"fast\", 8G = \"other\" }",
             "GetSerDesTxRateParams(0, 0, 4)"},

@@ -211,6 +211,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"Speed", "port", "speed = 8", kPort + "speed: \"8\" is not one of \"AUTO\", " + kSpeedList},
         Row{"Sends", "port", "sends = 0", kPort + "sends: must be true or false"},
         Row{"Load", "port", "load = 101", kPort + "load: " + whole("0", "100")},
+        Row{"SignalDetect", "port", "signal_detect_mv = 2001",
+            kPort + "signal_detect_mv: must be a number from 0 to 2000"},
         Row{"Cache", "port", "cache = 1", kPort + "cache: must be a table"},
         Row{"CacheOfASpeed", "port", "cache = { 8G = \"x\" }", kPort + "cache.8G: there is no [settings.x]"},
         Row{"Live", "port", "live = {}", kPort + "live: must be a text in quotes"},

@@ -45,7 +45,8 @@ const std::string kCoreKeys =
     "cores, type, pll_registers, rx_registers, tx_registers, rx_params, tx_params, first_port, temperature";
 const std::string kPortKeys =
     "ports, kind, port_type, present, user_port, links, rx_links, tx_links, ports_per_core, core, rx_core, tx_core, "
-    "misplaced, media, media_speeds, speeds, channel, far_end, partner, speed, sends, load, cache, live";
+    "misplaced, media, media_speeds, speeds, channel, far_end, partner, speed, sends, signal_detect_mv, load, cache, "
+    "live";
 const std::string kTopKeys = "slots, aux_ports, seed, type_names, clock, settings, channels, asics, user_ports, faults";
 
 class DescriptionMistakes : public testing::TestWithParam<Mistake> {};
@@ -150,6 +151,15 @@ INSTANTIATE_TEST_SUITE_P(
                 "some.toml:2: channels.x.fr4_inches: must be a number from 0 to 200"},
         Mistake{"NotANumber", "[channels.x]\na1 = nan\n",
                 "some.toml:2: channels.x.a1: must be a number from -1000 to 1000"},
+        Mistake{"EchoThatTheLowestSpeedHasRoomFor",
+                "[channels.x]\nechoes = [{ reflection = 0.1, delay_ns = 93.5 }]\n" + kCoreAndPort +
+                    "ports = 0\nkind = \"GL\"\nspeeds = [\"8G\", \"10G\"]\n" + "channel = \"x\"\n",
+                "no error"},
+        Mistake{"EchoTooLateForTheOnlySpeed",
+                "[channels.x]\nechoes = [{ reflection = 0.1, delay_ns = 93.5 }]\n" + kCoreAndPort +
+                    "ports = 0\nkind = \"GL\"\nspeeds = [\"10G\"]\n" + "channel = \"x\"\n",
+                "some.toml:11: asics[0].ports[0].channel: has an echo that comes later than the 91 ns that port 0 can "
+                "have at its lowest speed"},
         Mistake{"EchoesNotTables", "[channels.x]\nechoes = [1]\n",
                 "some.toml:2: channels.x.echoes: must be a list of tables"},
         Mistake{"ClockOfNoKind", "clock.kind = \"atomic\"\n" + kOnePort,

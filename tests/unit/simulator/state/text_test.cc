@@ -95,9 +95,9 @@ TEST_F(StateText, WithAnyByteChangedIsRefused) {
 }
 
 TEST_F(StateText, OfAnotherFormatIsRefused) {
-  EXPECT_EQ(errorOf(replaced(textNow(), "format = 1", "format = 2")),
-            "some.state: is of format 2, and this is format 1");
-  EXPECT_EQ(errorOf(replaced(textNow(), "format = 1\n", "")), "some.state:1: format: is missing");
+  EXPECT_EQ(errorOf(replaced(textNow(), "format = 2", "format = 3")),
+            "some.state: is of format 3, and this is format 2");
+  EXPECT_EQ(errorOf(replaced(textNow(), "format = 2\n", "")), "some.state:1: format: is missing");
 }
 
 TEST_F(StateText, OfAnotherDescriptionIsRefused) {
@@ -128,8 +128,8 @@ TEST_F(StateText, WithOtherRecordsIsRefused) {
 }
 
 TEST_F(StateText, ThatIsNotTomlOrHasOtherKeysIsRefused) {
-  EXPECT_EQ(errorOf(replaced(textNow(), "format = 1", "format = = 1")).substr(0, 14), "some.state:7: ");
-  EXPECT_EQ(errorOf(replaced(textNow(), "format = 1", "format = 1\ncolour = 2")),
+  EXPECT_EQ(errorOf(replaced(textNow(), "format = 2", "format = = 1")).substr(0, 14), "some.state:7: ");
+  EXPECT_EQ(errorOf(replaced(textNow(), "format = 2", "format = 2\ncolour = 2")),
             "some.state:8: colour: unknown key; there are format, switch, records");
   // The library asserts that no text is so.
   EXPECT_EQ(errorOf(replaced(textNow(), "[records]", "[[=x]]")),

@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include "tests/unit/simulator/switch/switch_bench.h"
 
 namespace simulator {
@@ -15,7 +17,8 @@ TEST_F(Counters, CountDecodeAndCrcErrorsOverTime) {
   EXPECT_GT(aSecond, 1000U);
   EXPECT_GT(crcErrors(1), 1000U);
   passSeconds(9);
-  EXPECT_NEAR(static_cast<double>(decodeErrors(1)), 10.0 * static_cast<double>(aSecond), 10);
+  const double expected = 10.0 * static_cast<double>(aSecond);
+  EXPECT_NEAR(static_cast<double>(decodeErrors(1)), expected, 20 * std::sqrt(expected));  // arriving at random
 }
 
 TEST_F(Counters, DoNotDependOnHowOftenTheyAreRead) {
@@ -54,6 +57,29 @@ TEST_F(Counters, StandStillWithoutSignal) {
   EXPECT_EQ(decodeErrors(1), 0U);
   EXPECT_EQ(crcErrors(1), 0U);
   EXPECT_LT(statsOf(1).Ap, 5);
+}
+
+TEST_F(Counters, OfALinkWithoutLockCountCodeViolationsAndNoFrames) {
+  ASSERT_EQ(sw.setPortSpeed(id(2), SPEED_4G), kOk);
+  ASSERT_EQ(sw.setPortSpeed(id(3), SPEED_8G), kOk);
+  ASSERT_EQ(statusOf(2), kStatusNoSpeed);
+  ASSERT_EQ(readRx(2, 2) & 0x3U, 0x1U);  // a signal without lock
+  const std::uint64_t before = decodeErrors(2);
+  passSeconds(1);
+  const double invalid = 560.0 / 1024 * 4.25e9 / 10;
+  EXPECT_NEAR(static_cast<double>(decodeErrors(2) - before), invalid, 0.001 * invalid);
+  EXPECT_EQ(crcErrors(2), 0U);
+}
+
+TEST_F(Counters, OfALinkThatHearsTooLittleCountCodeViolations) {
+  for (const int k : {0, 2}) {
+    ASSERT_EQ(sw.setTxFfe(0, 2, -1, {.mode = FFE_3, .k = k, .c = {-2, 58, -10, 0}}), kOk);
+    EXPECT_EQ(readRx(3, 2) & 0x3U, 0U);
+    const std::uint64_t before = decodeErrors(3);
+    passSeconds(1);
+    EXPECT_GT(decodeErrors(3) - before, 100'000'000U) << k;
+    EXPECT_EQ(crcErrors(3), 0U);
+  }
 }
 
 TEST_F(Counters, StandStillWhileThePortIsDown) {
@@ -120,6 +146,86 @@ TEST_F(IdlePort, CountsDecodeErrorsButNoFrames) {
   passSeconds(5);
   EXPECT_GT(decodeErrors(1), 0U);
   EXPECT_EQ(crcErrors(1), 0U);
+}
+
+// A microsecond a call: one end of the cable without lock, which counts 232.4 violations in it.
+class ManyReads : public SwitchTest {
+ protected:
+  static Switch unlocked(unsigned seed) {
+    Switch made(readDescription("seed = " + std::to_string(seed) + "\nclock = { kind = \"virtual\", step = 1 }\n" +
+                                    kBenchSwitch.substr(kBenchSwitch.find("[settings.good]")),
+                                "bench.toml"));
+    EXPECT_EQ(made.setPortSpeed(id(2), SPEED_4G), kOk);
+    EXPECT_EQ(made.setPortSpeed(id(3), SPEED_8G), kOk);
+    return made;
+  }
+  // How many came in each of so many microseconds.
+  static std::vector<double> readEach(Switch& from, unsigned port, int reads) {
+    std::vector<double> counts;
+    std::uint64_t before = 0;
+    for (int i = 0; i < reads; ++i) {
+      (void)from.beginCall({});
+      drv_counters_t counters;
+      EXPECT_EQ(from.getCounters(id(port), &counters), kOk);
+      counts.push_back(static_cast<double>(whole(counters.decodeErrors) - before));
+      before = whole(counters.decodeErrors);
+    }
+    return counts;
+  }
+  static constexpr double kExpected = 560.0 / 1024 * 425;
+};
+
+TEST_F(ManyReads, HaveTheMeanAndVarianceOfAPoissonProcess) {
+  Switch made = unlocked(1);
+  const std::vector<double> counts = readEach(made, 2, 10000);
+  double sum = 0;
+  double squares = 0;
+  for (const double count : counts) {
+    sum += count;
+    squares += (count - kExpected) * (count - kExpected);
+  }
+  EXPECT_NEAR(sum / static_cast<double>(counts.size()), kExpected, 0.01 * kExpected);
+  EXPECT_NEAR(squares / sum, 1, 0.1);
+}
+
+TEST_F(ManyReads, AddUpToWhatOneReadGives) {
+  Switch often = unlocked(1);
+  Switch once = unlocked(1);
+  double sum = 0;
+  for (const double count : readEach(often, 2, 1000))
+    sum += count;
+  for (int i = 0; i < 999; ++i)
+    (void)once.beginCall({});
+  EXPECT_EQ(readEach(once, 2, 1).front(), sum);
+}
+
+TEST_F(ManyReads, HaveAHistoryOfTheirOwnForEachSeedAndPort) {
+  Switch first = unlocked(1);
+  Switch again = unlocked(1);
+  Switch other = unlocked(2);
+  const std::vector<double> counts = readEach(first, 2, 20);
+  EXPECT_EQ(readEach(again, 2, 20), counts);
+  EXPECT_NE(readEach(other, 2, 20), counts);
+  ASSERT_EQ(first.setPortSpeed(id(2), SPEED_8G), kOk);
+  ASSERT_EQ(first.setPortSpeed(id(3), SPEED_4G), kOk);  // now the other end has none
+  EXPECT_NE(readEach(first, 3, 20), counts);
+}
+
+TEST_F(ManyReads, AfterAClearAreNotThoseOfBeforeAgain) {
+  Switch made = unlocked(1);
+  const std::vector<double> counts = readEach(made, 2, 20);
+  ASSERT_EQ(made.clearCounters(id(2)), kOk);
+  EXPECT_NE(readEach(made, 2, 20), counts);
+}
+
+TEST_F(ManyReads, GoOnInAnotherSessionAsInThisOne) {
+  Switch made = unlocked(1);
+  (void)readEach(made, 2, 20);
+  Switch next = unlocked(1);
+  ASSERT_TRUE(next.importState(made.exportState()));
+  for (Switch* each : {&made, &next})
+    ASSERT_EQ(each->clearCounters(id(2)), kOk);
+  EXPECT_EQ(readEach(next, 2, 20), readEach(made, 2, 20));
 }
 
 // Port 2 and port 3 at the ends of a noisy cable, each with a core of its own for either side.
@@ -197,10 +303,10 @@ class CountedUpToAChange : public SwitchTest {
     for (int i = 0; i < seconds; ++i)
       (void)theSwitch.beginCall({});
   }
-  // What both ends have counted by now: decode errors, CRC errors, what a checker found.
+  // What both ends and a neighbour have counted by now: decode errors, CRC errors, what a checker found.
   static std::vector<std::uint64_t> countsOf(Switch& theSwitch) {
     std::vector<std::uint64_t> counts;
-    for (const unsigned port : {2U, 3U}) {
+    for (const unsigned port : {1U, 2U, 3U}) {
       drv_counters_t counters;
       EXPECT_EQ(theSwitch.getCounters(id(port), &counters), kOk);
       counts.push_back(whole(counters.decodeErrors));
@@ -230,6 +336,16 @@ class CountedUpToAChange : public SwitchTest {
     }
   }
 };
+
+TEST_F(CountedUpToAChange, ErrorsGoOnAtAPortWhoseOwnStreamIsOff) {
+  ASSERT_EQ(sw.setStream(id(2), false), kOk);
+  ASSERT_EQ(statusOf(2), kStatusNotSending);
+  const std::uint64_t decode = decodeErrors(2);
+  const std::uint64_t crc = crcErrors(2);
+  passSeconds(5);
+  EXPECT_GT(decodeErrors(2), decode + 1000);
+  EXPECT_GT(crcErrors(2), crc + 1000);
+}
 
 TEST_F(CountedUpToAChange, AreFrameErrorsOfBothEnds) {
   passSeconds(5);

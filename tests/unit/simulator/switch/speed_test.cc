@@ -1,5 +1,6 @@
 #include "simulator/switch/speed.h"
 
+#include "simulator/description/line_rates.h"
 #include "tests/unit/simulator/switch/switch_bench.h"
 
 namespace simulator {
@@ -197,7 +198,7 @@ TEST(Baud, IsThatOfTheSpeedAndKindOfPortAndSharedByItsLinks) {
                              {SPEED_8G, 8.5, 10.3125, LineCode::k8b10b},
                              {SPEED_10G, 10.51875, 10.3125, LineCode::k64b66b},
                              {SPEED_20G, 21.0375, 20.625, LineCode::k64b66b}}) {
-    EXPECT_EQ(lineCodeOf(line.speed), line.code) << line.speed;
+    EXPECT_EQ(lineRateOf(line.speed).code, line.code) << line.speed;
     for (PortState& port : state.ports)
       port.operatingSpeed = line.speed;
     const PortView gl({0, asic, state}, 0), partnered({0, asic, state}, 4), xg({0, asic, state}, 6),

@@ -189,6 +189,78 @@ TEST_F(HoldDfe, IsForSerDesThatHaveADfe) {
   EXPECT_EQ(sw.setTestOption(0, 6, -1, kTestHoldDfe, 0), kOk);
 }
 
+// The exponent, in tenths, at a point of a port's eye.
+class Scan : public SwitchTest {
+ protected:
+  int at(unsigned port, int phase, int level) {
+    EXPECT_EQ(sw.setTestOption(0, port, 0, kTestMargin, 0x18080 + 256 * phase + level), kOk) << phase << ' ' << level;
+    return testStatus(port, kTestMargin);
+  }
+  int margin(unsigned port, MarginMode mode) {
+    EXPECT_EQ(sw.setTestOption(0, port, 0, kTestMargin, static_cast<int>(mode)), kOk);
+    return testStatus(port, kTestMargin);
+  }
+};
+
+TEST_F(Scan, InTheMiddleIsTheLinksOwnErrorRate) {
+  for (const unsigned port : {0U, 1U, 2U, 4U, 6U, 7U})
+    EXPECT_NEAR(at(port, 0, 0) / 10.0, margin(port, kMarginErrorRate) - 0.5, 0.55) << port;
+}
+
+TEST_F(Scan, OnlyClosesOutwards) {
+  for (const unsigned port : {0U, 1U}) {
+    for (const int phase : {0, 3, -3, 9, -9, 16, -16, 31, -31}) {
+      for (const int level : {0, 5, -5, 20, -20, 60, -60, 126, -126}) {
+        const int here = at(port, phase, level);
+        EXPECT_LE(at(port, phase + (phase < 0 ? -1 : 1), level), here) << phase << ' ' << level;
+        EXPECT_LE(at(port, phase, level + (level < 0 ? -1 : 1)), here) << phase << ' ' << level;
+      }
+    }
+  }
+}
+
+TEST_F(Scan, AgreesWithTheEyesWidthAndHeight) {
+  constexpr int kEye = 120;
+  for (const unsigned port : {0U, 2U, 4U}) {
+    int early = 0;
+    int late = 0;
+    int up = 0;
+    while (at(port, early - 1, 0) > kEye)
+      --early;
+    while (at(port, late + 1, 0) > kEye)
+      ++late;
+    while (at(port, 0, up + 1) > kEye)
+      ++up;
+    const double step = 1000.0 / 64;
+    EXPECT_NEAR(margin(port, kMarginWidth), step * (late - early + 1), step + 1) << port;
+    EXPECT_NEAR(margin(port, kMarginHeight), 2 * up + 1, 2) << port;
+    EXPECT_GT(up, 5);
+  }
+}
+
+TEST_F(Scan, OfALinkWithoutSignalIsClosed) {
+  EXPECT_EQ(margin(5, kMarginWidth), 0);
+  EXPECT_EQ(at(5, 0, 0), 3);  // every second bit is wrong
+  EXPECT_EQ(at(5, 7, 7), 3);
+}
+
+TEST_F(Scan, FollowsTheSettings) {
+  const int before = at(0, 8, 10);
+  ASSERT_EQ(sw.setTxSlew(0, 0, -1, true, SLEW_100PS), kOk);
+  EXPECT_LT(at(0, 8, 10), before);
+}
+
+TEST_F(Scan, TakesPointsOfTheEyeAlone) {
+  for (const int mode : {3, 0xffff, 0x18080 - 256 * 33, 0x18080 + 256 * 33, 0x18080 + 128, 0x18080 - 128,
+                         0x18080 + 256 * 32 + 128, -0x18080}) {
+    EXPECT_EQ(sw.setTestOption(0, 0, 0, kTestMargin, mode), kOutOfRange) << mode;
+  }
+  for (const int phase : {-32, 32}) {
+    for (const int level : {-127, 127})
+      EXPECT_EQ(at(0, phase, level), 3);
+  }
+}
+
 TEST_F(Margin, ShowsTheEyeOrTheDecadesOfTheErrorRate) {
   ASSERT_EQ(sw.setTestOption(0, 0, 0, kTestMargin, 0), kOk);
   const int eye = testStatus(0, kTestMargin);
@@ -324,8 +396,9 @@ TEST_F(TestOptions, OthersAndOtherModesAreOutOfRange) {
     EXPECT_EQ(sw.getTestStatus(0, 0, 0, option, &status), kOutOfRange) << option;
   }
   const std::vector<std::pair<std::uint32_t, int>> greatest = {
-      {kTestLoopback, 1}, {kTestSendPattern, 3},      {kTestHoldDfe, 1},    {kTestCheckPattern, 3}, {kTestMargin, 1},
-      {kTestReadapt, 0},  {kTestInjectErrors, 65535}, {kTestClearCheck, 0}, {kTestTemperature, 1}};
+      {kTestLoopback, 1},         {kTestSendPattern, 3},         {kTestHoldDfe, 1},
+      {kTestCheckPattern, 3},     {kTestMargin, kMaxMarginMode}, {kTestReadapt, 0},
+      {kTestInjectErrors, 65535}, {kTestClearCheck, 0},          {kTestTemperature, 1}};
   for (const auto& [option, mode] : greatest) {
     EXPECT_EQ(sw.setTestOption(0, 0, 0, option, mode + 1), kOutOfRange) << option;
     EXPECT_EQ(sw.setTestOption(0, 0, 0, option, -1), kOutOfRange) << option;

@@ -214,6 +214,36 @@ TEST_F(DefaultSwitch, Port13IsTunedBadlyAndCanBeTunedWell) {
   EXPECT_EQ(errorsInASecond(13), 0U);
 }
 
+// Of all settings of c2 and k, by their errors alone: a link without lock has more than any that locks.
+TEST_F(DefaultSwitch, ASweepThatLooksAtErrorsAloneNeverPrefersADeadSetting) {
+  int dead = 0;
+  for (const unsigned port : {1U, 2U, 3U, 8U, 10U, 13U}) {
+    std::uint64_t mostOfTheLiving = 0;
+    std::uint64_t leastOfTheDead = UINT64_MAX;
+    for (const int k : {0, 1, 5, 20, 60, 115, 180, 255}) {
+      for (int c2 = 0; c2 >= -42; c2 -= 6) {
+        ASSERT_EQ(setTx(port, {.mode = FFE_3, .k = k, .c = {-4, 54, c2, 0}}, SLEW_36PS), kOk);
+        const std::uint64_t errors = errorsInASecond(port);
+        if (runs(port)) {
+          mostOfTheLiving = std::max(mostOfTheLiving, errors);
+        } else {
+          leastOfTheDead = std::min(leastOfTheDead, errors);
+          ++dead;
+        }
+      }
+    }
+    EXPECT_LT(mostOfTheLiving, leastOfTheDead) << port;
+  }
+  EXPECT_GT(dead, 50);
+}
+
+TEST_F(DefaultSwitch, PortsWithASignalAndNoLockCountCodeViolations) {
+  for (const unsigned port : {10U, 19U}) {
+    EXPECT_FALSE(runs(port));
+    EXPECT_GT(errorsInASecond(port), 70'000'000U) << port;
+  }
+}
+
 TEST_F(DefaultSwitch, NoSettingRescuesPort10) {
   int best = 0;
   for (const int c2 : {0, -10, -18, -25, -32}) {
@@ -226,6 +256,7 @@ TEST_F(DefaultSwitch, NoSettingRescuesPort10) {
     }
   }
   EXPECT_LE(best, 5);  // a hundred thousand errors a second at the very best
+  EXPECT_GE(best, 4);
 }
 
 TEST_F(DefaultSwitch, EthernetCacheOfTheHelpTakesTheErrorsFromPort23) {

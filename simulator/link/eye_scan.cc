@@ -1,0 +1,69 @@
+// Points of the eye, worked out once each and from the middle outwards.
+#include "simulator/link/eye_scan.h"
+
+#include <algorithm>
+
+#include "simulator/link/math.h"
+#include "simulator/link/model.h"
+
+namespace simulator {
+
+namespace {
+
+double rateAt(const ReceivedSignal& signal, double phaseUi) {
+  return sampleAt(signal, phaseUi).decisions.errorRate();
+}
+
+}  // namespace
+
+int errorExponent(double ber) {
+  constexpr double kTenths = 4.34294481903251828;  // 10 / ln 10
+  return readingOf(limited(-kTenths * naturalLog(limited(ber, kBerFloor, 1)), 0, 180));
+}
+
+EyeScan::EyeScan(const Transmitter& transmitter, const Channel& channel, const Receiver& receiver, double baudGbd,
+                 double farBaudGbd, std::span<const Aggressor> aggressors) {
+  if (!usableBaud(baudGbd) || !samePace(baudGbd, farBaudGbd)) return;
+  signal_ = receive(transmitter, channel, receiver, baudGbd, aggressors);
+  if (!signal_->readable()) signal_.reset();
+}
+
+int EyeScan::worst(int phase, int magnitude) {
+  Column& column = columns_[static_cast<std::size_t>(phase + kMaxPhase)];
+  if (!column.decisions) column.decisions = sampleAt(*signal_, static_cast<double>(phase) / kPhases).decisions;
+  while (static_cast<int>(column.exponents.size()) <= magnitude) {
+    const int level = static_cast<int>(column.exponents.size());
+    int exponent = errorExponent(column.decisions->errorRate(level * signal_->lsbV));
+    if (level > 0) exponent = std::min(exponent, column.exponents.back());
+    if (phase != 0) exponent = std::min(exponent, worst(phase < 0 ? phase + 1 : phase - 1, level));
+    column.exponents.push_back(exponent);
+  }
+  return column.exponents[static_cast<std::size_t>(magnitude)];
+}
+
+int EyeScan::exponent(int phase, int level) {
+  if (!signal_) return errorExponent(0.5);
+  const int bounded = std::clamp(level, -kMaxLevel, kMaxLevel);
+  return worst(std::clamp(phase, -kMaxPhase, kMaxPhase), bounded < 0 ? -bounded : bounded);
+}
+
+double EyeScan::edgeUi(int direction) const {
+  for (int phase = 1; phase <= kMaxPhase; ++phase) {
+    double outside = static_cast<double>(direction * phase) / kPhases;
+    if (rateAt(*signal_, outside) <= kEyeBer) continue;
+    double inside = static_cast<double>(direction * (phase - 1)) / kPhases;
+    for (int i = 0; i < 8; ++i) {
+      const double middle = (inside + outside) / 2;
+      (rateAt(*signal_, middle) <= kEyeBer ? inside : outside) = middle;
+    }
+    return inside;
+  }
+  return 0.5 * direction;
+}
+
+int EyeScan::widthMilliUi() const {
+  if (!signal_ || rateAt(*signal_, 0) > kEyeBer) return 0;
+  return readingOf(1000 * (edgeUi(1) - edgeUi(-1)));
+}
+
+}  // namespace simulator
