@@ -16,7 +16,7 @@ std::string operationOf(const std::string& call) {
   return call.substr(0, call.find('('));
 }
 
-Calls upTo(const Calls& calls, std::size_t last) {
+Calls callsThrough(const Calls& calls, std::size_t last) {
   return {calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(last) + 1};
 }
 
@@ -66,7 +66,7 @@ class FaultSweep : public TopologyTest, public testing::WithParamInterface<Examp
       EXPECT_EQ(outcome.out.find("serdes err"), std::string::npos) << outcome.out;
     } else {
       EXPECT_EQ(outcome.status, CMD_EXEC_ERROR);
-      EXPECT_EQ(outcome.calls, upTo(faultless.calls, call));
+      EXPECT_EQ(outcome.calls, callsThrough(faultless.calls, call));
       const std::string reporter = example.handler ? example.handler : std::string(example.name) + "CmdHandler";
       expectReport(outcome.out, faultless.out, faultless.calls[call], reporter, code, example.printsAsItGoes);
     }
@@ -125,7 +125,7 @@ TEST_F(StartUp, EachCallFailsAndTheSessionStillRuns) {
       SCOPED_TRACE(faultless.calls[call]);
       const Outcome outcome = start(static_cast<unsigned>(call) + 1, code);
       EXPECT_EQ(outcome.status, CMD_EXEC_ERROR);
-      EXPECT_EQ(outcome.calls, upTo(faultless.calls, call));
+      EXPECT_EQ(outcome.calls, callsThrough(faultless.calls, call));
       expectReport(outcome.out, faultless.out, faultless.calls[call], call < 3 ? "openSerdes" : "setAsicNumCmdHandler",
                    code, true);
       EXPECT_EQ(runStream("bogus\n"), "unknown command\n\n\n\n");
