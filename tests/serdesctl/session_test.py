@@ -67,7 +67,8 @@ class Misbehaving(ProgramTest):
             "extra_prompt_later", script=SCRIPT.replace("readRx 0 0 2", "#: wait 1s\nreadRx 0 0 2")
         )
         self.assertEqual(status, 3)
-        self.assertIn("printed without a command", err)
+        # Where the tool is slow the second prompt comes with the answer, and is then no part of it.
+        self.assertRegex(err, "printed without a command|is not as the tool answers")
         self.assertNotIn("0x02", out)
 
     def test_a_table_that_looks_like_the_prompt(self) -> None:
