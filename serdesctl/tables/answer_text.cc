@@ -51,7 +51,7 @@ PllHead readPllHead(TextCursor& text) {
   const std::size_t width = count * kBlankCell.size();
   if (line.size() < padded("").size() + width) cells.fail("the name of a SerDes type and the cores");
   const std::string name(line.substr(0, line.size() - width));
-  head.serDesType = name.substr(0, name.find_last_not_of(' ') + 1);
+  head.serDesType = trimmed(name);
   if (!name.ends_with(' ')) cells.fail("the name of a SerDes type");
   cells.expect(name);
   for (std::size_t i = 0; i < count; ++i) {
@@ -329,6 +329,16 @@ void place(std::vector<LinkRecord<Groups...>>& records, const std::vector<TableH
     }
   }
   records = std::move(placed);
+}
+
+// A title's own blanks at its end are the topology's to know.
+void place(std::vector<PllRegisters>& records, const std::vector<TableHead>&, const TableContext& context) {
+  for (PllRegisters& record : records) {
+    record.asic = context.config != nullptr ? std::optional(context.config->asic) : context.asic;
+    if (context.config == nullptr || record.core >= context.config->cores.size()) continue;
+    const std::string& name = context.config->cores[record.core].serDesType;
+    if (trimmed(name) == record.serDesType) record.serDesType = name;
+  }
 }
 
 template <typename Other>

@@ -156,4 +156,8 @@ std::string padded(std::string_view text, std::size_t width) {
   return std::string(text) + std::string(width - std::min(width, text.size()) + 1, ' ');
 }
 
+std::string trimmed(std::string_view text) {
+  return std::string(text.substr(0, text.find_last_not_of(' ') + 1));
+}
+
 }  // namespace serdesctl

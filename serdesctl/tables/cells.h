@@ -35,4 +35,7 @@ Count countCell(TextCursor& text);
 // "%-19s ", "%-18s " of a label or title.
 std::string padded(std::string_view text, std::size_t width = 19);
 
+// Without blanks at its end: a column's own cannot be told from those that fill it.
+std::string trimmed(std::string_view text);
+
 }  // namespace serdesctl

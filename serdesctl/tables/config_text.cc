@@ -138,9 +138,8 @@ void takeServedPorts(std::string_view& line, ConfigCore& core, std::vector<Confi
 
 // A name as "%-19s " prints it.
 std::string nameInColumn(TextCursor& text, std::string_view column) {
-  const std::string name(column.substr(0, column.find_last_not_of(' ') + 1));
   if (column.size() < padded("").size() || !column.ends_with(' ')) text.fail("the name of a SerDes type");
-  return name;
+  return trimmed(column);
 }
 
 ConfigCore readCore(TextCursor& text, std::vector<ConfigPort>& ports) {
@@ -182,7 +181,7 @@ DiscoveryText readWholeDiscovery(TextCursor& text) {
 // In a core's line a name's own blanks at its end cannot be told from those that fill the column; elsewhere they can.
 void nameCores(ConfigText& config) {
   for (ConfigCore& core : config.cores) {
-    const auto named = [&](const ConfigType& type) { return padded(type.name) == padded(core.serDesType); };
+    const auto named = [&](const ConfigType& type) { return trimmed(type.name) == core.serDesType; };
     const auto type = std::find_if(config.types.begin(), config.types.end(), named);
     if (type != config.types.end()) core.serDesType = type->name;
   }

@@ -140,7 +140,7 @@ class Placing {
     place.port = port;
     place.link = link;
     // A title's own blanks at its end cannot be told from those that fill its column; in the topology they can.
-    if (head_.ofOneType) place.serDesType = head_.title.substr(0, head_.title.find_last_not_of(' ') + 1);
+    if (head_.ofOneType) place.serDesType = trimmed(head_.title);
     if (context_.config != nullptr) {
       if (isInTable(port)) place.serDesType = side(port).serDesType;
       place.userPort = context_.config->ports[port].userPort;

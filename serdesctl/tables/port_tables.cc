@@ -305,7 +305,7 @@ std::optional<CacheWords> matchTitle(const std::string& title, const Form& form)
     return title == padded(form.title) ? std::optional(CacheWords{}) : std::nullopt;
   }
   if (!title.starts_with(form.title)) return std::nullopt;
-  const std::string unpadded = title.substr(0, title.find_last_not_of(' ') + 1);
+  const std::string unpadded = trimmed(title);
   if (title != padded(unpadded) || unpadded.size() < std::string_view(form.title).size()) return std::nullopt;
   return cacheWords(unpadded.substr(std::string_view(form.title).size()), form);
 }
