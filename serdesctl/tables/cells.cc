@@ -94,8 +94,9 @@ std::string nameCell(TextCursor& text, std::span<const char* const> names, const
   if (text.skip(print(otherwise))) return otherwise;
   std::string allowed;
   for (const char* const name : names)
-    allowed += std::string(name) + ", ";
-  text.fail("one of " + allowed + otherwise);
+    allowed += (allowed.empty() ? "" : ", ") + std::string(name);
+  if (std::string_view(names.back()) != otherwise) allowed += std::string(", ") + otherwise;
+  text.fail("one of " + allowed);
 }
 
 std::string rightAligned(std::string_view name) {

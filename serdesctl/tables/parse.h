@@ -38,9 +38,9 @@ std::vector<ConfigText> topologiesIn(std::string_view text, const std::string& n
 // What is known of a log besides its text.
 struct LogKnowledge {
   std::string name = "standard input";  // for messages
-  std::string command;                  // not empty: the text is this command's answer
-  std::optional<std::uint32_t> asic;    // the current one where the text begins; nothing: not known
-  std::vector<ConfigText> configs;      // topologies, of which the text's own come first
+  std::string command{};                // not empty: the text is this command's answer
+  std::optional<std::uint32_t> asic{};  // the current one where the text begins; nothing: not known
+  std::vector<ConfigText> configs{};    // topologies, of which the text's own come first
 };
 
 // Every answer of a log, in order. A log holds what the tool printed in a session or of scripts, from any command on,

@@ -169,7 +169,9 @@ class Placing {
   std::vector<Link> receivePlaces() const {
     std::vector<Link> places;
     if (context_.config == nullptr) {
-      if (head_.cells != 0U) addPlaces(places, onlyPort(), cellsOfOnlyPort());
+      if (head_.cells == 0U) return places;
+      const std::uint32_t port = onlyPort();
+      addPlaces(places, port, cellsOfOnlyPort());
       return places;
     }
     forEachBit(receivePorts(), kMaxPorts,

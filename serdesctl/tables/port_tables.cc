@@ -299,8 +299,18 @@ std::optional<CacheWords> cacheWords(const std::string& words, const Form& form)
   return result;
 }
 
-// The words in a title of this form; nothing for another title.
-std::optional<CacheWords> matchTitle(const std::string& title, const Form& form) {
+// The title as the tool makes it of the words of the command.
+std::string titleOf(const Form& form, const Words& words) {
+  return padded(form.title + (form.betweenWords == nullptr ? words[1] : words[1] + form.betweenWords + words[2]));
+}
+
+bool hasTitleWords(const Form& form, const Words& words) {
+  return form.words != TitleWords::kNone && words.size() > (form.betweenWords == nullptr ? 1U : 2U);
+}
+
+// The words in a title of this form; nothing for another title, and for one of other words than the command's.
+std::optional<CacheWords> matchTitle(const std::string& title, const Form& form, const Words& words) {
+  if (hasTitleWords(form, words) && title != titleOf(form, words)) return std::nullopt;
   if (form.words == TitleWords::kNone) {
     return title == padded(form.title) ? std::optional(CacheWords{}) : std::nullopt;
   }
@@ -311,12 +321,12 @@ std::optional<CacheWords> matchTitle(const std::string& title, const Form& form)
 }
 
 // Reads the body of a table that has its command's title; false, and nothing consumed, for another one.
-bool readFormed(TextCursor& text, AnswerText& answer) {
+bool readFormed(TextCursor& text, const Words& words, AnswerText& answer) {
   for (const Form& form : kForms) {
     TableHead& head = answer.heads.back();
-    const auto words = matchTitle(head.title, form);
+    const auto inTitle = matchTitle(head.title, form, words);
     head.side = form.side;
-    if (words && form.read(text, *words, answer)) return true;
+    if (inTitle && form.read(text, *inTitle, answer)) return true;
   }
   return false;
 }
@@ -432,7 +442,7 @@ void readTablesOfOneType(TextCursor& text, const Words& words, AnswerText& answe
 
 void readPortTables(TextCursor& text, const Words& words, AnswerText& answer) {
   answer.heads.push_back(readTableHead(text));
-  if (!readFormed(text, answer)) readTablesOfOneType(text, words, answer);
+  if (!readFormed(text, words, answer)) readTablesOfOneType(text, words, answer);
 }
 
 }  // namespace serdesctl
