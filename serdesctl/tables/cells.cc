@@ -99,6 +99,18 @@ std::string nameCell(TextCursor& text, std::span<const char* const> names, const
   text.fail("one of " + allowed);
 }
 
+// What `read` gives, if it fits a smaller number.
+template <typename Fits>
+std::int32_t fittingCell(TextCursor& text, std::int32_t (*read)(TextCursor&)) {
+  const TextCursor before = text;
+  const std::int32_t value = read(text);
+  using Limits = std::numeric_limits<Fits>;
+  if (value < Limits::min() || value > Limits::max()) {
+    before.fail("a number from " + std::to_string(Limits::min()) + " to " + std::to_string(Limits::max()));
+  }
+  return value;
+}
+
 std::string rightAligned(std::string_view name) {
   constexpr std::size_t kWidth = 5;
   return std::string(kWidth - std::min(kWidth, name.size()), ' ') + std::string(name);
@@ -115,6 +127,22 @@ std::int32_t numberCell(TextCursor& text) {
   const auto value = numberAt<std::int32_t>(text, blanks, 10);
   if (!value || !skipAsPrinted(text, printNumber, *value)) text.fail("a number in its column");
   return *value;
+}
+
+std::int32_t signedByteCell(TextCursor& text) {
+  return fittingCell<std::int8_t>(text, numberCell);
+}
+
+std::int32_t byteCell(TextCursor& text) {
+  return fittingCell<std::uint8_t>(text, numberCell);
+}
+
+std::int32_t signedHalfwordCell(TextCursor& text) {
+  return fittingCell<std::int16_t>(text, numberCell);
+}
+
+std::int32_t signedByteHexCell(TextCursor& text) {
+  return fittingCell<std::int8_t>(text, hexCell);
 }
 
 std::int32_t hexCell(TextCursor& text) {

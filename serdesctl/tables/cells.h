@@ -16,11 +16,15 @@ namespace serdesctl {
 // What a column without values shows. No cell with a value begins so.
 inline constexpr std::string_view kBlankCell = "     ";
 
-// "%4d "
+// "%4d " of a number of so many bits.
 std::int32_t numberCell(TextCursor& text);
+std::int32_t signedByteCell(TextCursor& text);
+std::int32_t byteCell(TextCursor& text);
+std::int32_t signedHalfwordCell(TextCursor& text);
 
 // "0x%02x ": a signed number, of which a negative one shows all its 32 bits.
 std::int32_t hexCell(TextCursor& text);
+std::int32_t signedByteHexCell(TextCursor& text);
 
 // "%04x " of 16 bits: 1e05 is hexadecimal.
 std::uint16_t registerCell(TextCursor& text);

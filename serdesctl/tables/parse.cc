@@ -52,6 +52,11 @@ class Topologies {
     return one ? known.front() : nullptr;
   }
 
+  // Whether that topology was shown between the same two selections of an ASIC as the item.
+  bool isOfThen() const {
+    return epochs_[current_].config != nullptr;
+  }
+
   // Those that hold for a whole ASIC.
   std::vector<const ConfigText*> all() const {
     std::vector<const ConfigText*> all;
@@ -171,8 +176,11 @@ Records parseOutput(const std::string& command, std::string_view output, const C
   AnswerText answer = readAnswerText(text, words);
   text.expectEnd();
   requireOutputOf(words, text, answer);
-  return placedRecords(std::move(answer),
-                       {.name = command, .config = &config, .asic = config.asic, .ports = namedPorts(words, &config)});
+  return placedRecords(std::move(answer), {.name = command,
+                                           .config = &config,
+                                           .configIsOfThen = true,
+                                           .asic = config.asic,
+                                           .ports = namedPorts(words, &config)});
 }
 
 std::vector<ParsedAnswer> parseLog(std::string_view text, const LogKnowledge& knowledge) {
@@ -188,8 +196,11 @@ std::vector<ParsedAnswer> parseLog(std::string_view text, const LogKnowledge& kn
     answer.complaint = item.answer.complaint;
     answer.place = item.place;
     const ConfigText* const config = topologies.config();
-    const TableContext context = {
-        .name = knowledge.name, .config = config, .asic = answer.asic, .ports = namedPorts(item.words, config)};
+    const TableContext context = {.name = knowledge.name,
+                                  .config = config,
+                                  .configIsOfThen = topologies.isOfThen(),
+                                  .asic = answer.asic,
+                                  .ports = namedPorts(item.words, config)};
     answer.records = placedRecords(item.answer, context);
   }
   return answers;

@@ -88,6 +88,8 @@ class Placing {
     for (const HeadColumn& column : head_.columns)
       headPorts_ |= bit(column.port);
     checkAgainstCommand();
+    const bool whole = head_.side == SERDES_LINK_TX && !context_.configIsOfThen;
+    if (context_.config != nullptr && whole && !agreesWithTopology()) context_.config = nullptr;
     if (context_.config != nullptr) checkAgainstTopology();
     return head_.side == SERDES_LINK_TX ? transmitPlaces() : receivePlaces();
   }
@@ -121,16 +123,27 @@ class Placing {
          ", which the command does not name");
   }
 
+  bool agreesWithTopology(std::uint32_t port) const {
+    const bool shown = (headPorts_ & bit(port)) != 0;
+    if (port >= context_.config->ports.size()) return !shown;
+    const std::uint32_t links = topologyLinks(port, SERDES_LINK_TX);
+    if (shown) return linksOf(head_, port) == links;
+    const bool named = context_.ports && (*context_.ports & bit(port)) != 0;
+    return !named || head_.ofOneType || links == 0;
+  }
+
+  bool agreesWithTopology() const {
+    std::uint32_t port = 0;
+    while (port < kMaxPorts && agreesWithTopology(port))
+      ++port;
+    return port == kMaxPorts;
+  }
+
   void checkAgainstTopology() const {
-    const std::size_t count = context_.config->ports.size();
     for (std::uint32_t port = 0; port < kMaxPorts; ++port) {
-      const bool shown = (headPorts_ & bit(port)) != 0;
-      if (shown && (port >= count || linksOf(head_, port) != topologyLinks(port, SERDES_LINK_TX))) {
-        fail("the table shows port " + std::to_string(port) + " otherwise than the topology does");
-      }
-      const bool missing = context_.ports && port < count && (*context_.ports & bit(port)) != 0 && !shown &&
-                           !head_.ofOneType && topologyLinks(port, SERDES_LINK_TX) != 0;
-      if (missing) fail("the table does not show port " + std::to_string(port));
+      if (agreesWithTopology(port)) continue;
+      fail("the table shows " + std::to_string(linksOf(head_, port)) + " transmit links of port " +
+           std::to_string(port) + ", and the topology others");
     }
   }
 
@@ -252,7 +265,7 @@ class Placing {
   }
 
   const TableHead& head_;
-  const TableContext& context_;
+  TableContext context_;
   std::uint32_t headPorts_ = 0;
 };
 

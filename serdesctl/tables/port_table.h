@@ -42,7 +42,8 @@ TableHead readTableHead(TextCursor& text);
 // What is known about the command and the switch besides the text.
 struct TableContext {
   std::string name;                    // of the text, for messages
-  const ConfigText* config = nullptr;  // the topology at that moment; null: not known
+  const ConfigText* config = nullptr;  // the topology; null: not known
+  bool configIsOfThen = true;          // false: it is of another moment, and only decides what the text leaves open
   std::optional<std::uint32_t> asic;
   std::optional<std::uint32_t> ports;  // the ports that the command named; nothing: not known
 };

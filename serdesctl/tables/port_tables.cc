@@ -35,14 +35,28 @@ constexpr std::array<Row<Record>, 2> kRateRows = {{
     {"stream enable", [](TextCursor& t, Record& r) { r.streamEnabled = rightNameCell(t, kYesNo, "no") == "yes"; }, 18},
 }};
 
+// Caches hold whole numbers, of the settings in use only 8 bits exist.
+template <typename Record>
+constexpr bool kIsCache = requires(Record record) {
+  record.rate;
+};
+
+using NumberReader = std::int32_t (*)(TextCursor& text);
+template <typename Record>
+constexpr NumberReader kPowerCell = kIsCache<Record> ? numberCell : byteCell;
+template <typename Record>
+constexpr NumberReader kSettingCell = kIsCache<Record> ? numberCell : signedByteCell;
+template <typename Record>
+constexpr NumberReader kHexSettingCell = kIsCache<Record> ? hexCell : signedByteHexCell;
+
 template <typename Record>
 constexpr std::array<Row<Record>, 6> kFfeRows = {{
     {"ffe mode", [](TextCursor& t, Record& r) { r.ffeMode = leftNameCell(t, ffeModeNames, "UNK"); }},
-    {"k (power)", [](TextCursor& t, Record& r) { r.k = numberCell(t); }},
-    {"c0 (precursor)", [](TextCursor& t, Record& r) { r.c0 = numberCell(t); }},
-    {"c1 (main)", [](TextCursor& t, Record& r) { r.c1 = numberCell(t); }},
-    {"c2 (postcursor)", [](TextCursor& t, Record& r) { r.c2 = numberCell(t); }},
-    {"c3 (postcursor)", [](TextCursor& t, Record& r) { r.c3 = numberCell(t); }},
+    {"k (power)", [](TextCursor& t, Record& r) { r.k = kPowerCell<Record>(t); }},
+    {"c0 (precursor)", [](TextCursor& t, Record& r) { r.c0 = kSettingCell<Record>(t); }},
+    {"c1 (main)", [](TextCursor& t, Record& r) { r.c1 = kSettingCell<Record>(t); }},
+    {"c2 (postcursor)", [](TextCursor& t, Record& r) { r.c2 = kSettingCell<Record>(t); }},
+    {"c3 (postcursor)", [](TextCursor& t, Record& r) { r.c3 = kSettingCell<Record>(t); }},
 }};
 
 std::optional<std::int32_t> slewCell(TextCursor& text) {
@@ -80,9 +94,9 @@ constexpr std::array<Row<Record>, 1> kDfeModeRows = {{
 
 template <typename Record>
 constexpr std::array<Row<Record>, 3> kVgaRows = {{
-    {"pole", [](TextCursor& t, Record& r) { r.pole = numberCell(t); }},
-    {"peak", [](TextCursor& t, Record& r) { r.peak = numberCell(t); }},
-    {"amax", [](TextCursor& t, Record& r) { r.amax = hexCell(t); }},
+    {"pole", [](TextCursor& t, Record& r) { r.pole = kSettingCell<Record>(t); }},
+    {"peak", [](TextCursor& t, Record& r) { r.peak = kSettingCell<Record>(t); }},
+    {"amax", [](TextCursor& t, Record& r) { r.amax = kHexSettingCell<Record>(t); }},
 }};
 
 template <typename Record>
@@ -102,9 +116,9 @@ constexpr std::array<Row<Record>, 2> kEthernetRxRows = {{
 
 template <typename Record>
 constexpr std::array<Row<Record>, 5> kStatsRows = {{
-    {"Ap", [](TextCursor& t, Record& r) { r.ap = numberCell(t); }},
-    {"Amin", [](TextCursor& t, Record& r) { r.amin = numberCell(t); }},
-    {"An", [](TextCursor& t, Record& r) { r.an = numberCell(t); }},
+    {"Ap", [](TextCursor& t, Record& r) { r.ap = signedHalfwordCell(t); }},
+    {"Amin", [](TextCursor& t, Record& r) { r.amin = signedHalfwordCell(t); }},
+    {"An", [](TextCursor& t, Record& r) { r.an = signedHalfwordCell(t); }},
     {"Decode Errors", [](TextCursor& t, Record& r) { r.decodeErrors = countCell(t); }},
     {"CRC Errors", [](TextCursor& t, Record& r) { r.crcErrors = countCell(t); }},
 }};
@@ -337,7 +351,7 @@ void readStatsRows(TextCursor& text, std::span<const char* const> taps, bool eve
   Rows<DfeStats> rows(text, kPlain);
   for (std::size_t i = 0; i < taps.size(); ++i) {
     rows.row(taps[i], 19,
-             [&](TextCursor& t, DfeStats& r) { (evenOdd ? r.evenOddTaps[i] : r.taps[i]) = numberCell(t); });
+             [&](TextCursor& t, DfeStats& r) { (evenOdd ? r.evenOddTaps[i] : r.taps[i]) = signedHalfwordCell(t); });
   }
   rows.rows(kStatsRows<DfeStats>);
   std::vector<DfeStats> records = rows.take();

@@ -199,11 +199,23 @@ TEST_F(ParseTest, ATopologyOfAnotherSwitchIsNoticed) {
   platform.ports[6].tx.linkCount = 3;
   learn();
   EXPECT_EQ(error("showFFE 6", text),
-            "showFFE 6, line 2, column 1: the table shows port 6 otherwise than the topology does");
+            "showFFE 6, line 2, column 1: the table shows 4 transmit links of port 6, and the topology others");
   EXPECT_EQ(error("showFFE 5-7", run("showFFE 5 7").out),
-            "showFFE 5-7, line 2, column 1: the table does not show port 6");
+            "showFFE 5-7, line 2, column 1: the table shows 0 transmit links of port 6, and the topology others");
   EXPECT_EQ(error("showFFE 7", run("showFFE 6").out),
             "showFFE 7, line 2, column 1: the table shows port 6, which the command does not name");
+}
+
+TEST_F(ParseTest, ATransmitTableIsNotJudgedByATopologyOfAnotherMoment) {
+  platform.ports[6].tx.linkCount = 3;
+  learn();
+  const auto answers = parseLog(run("showSlew 6").out, {.configs = {config_}});
+  EXPECT_EQ(std::get<std::vector<Slew>>(answers[0].records)[2].serDesType, "TYPE-3");
+  platform.ports[6].tx.linkCount = 2;
+  discover();
+  const auto others = parseLog(run("showSlew 6").out, {.configs = {config_}});
+  EXPECT_EQ(std::get<std::vector<Slew>>(others[0].records)[1].serDesType, std::nullopt);
+  EXPECT_NE(logError(run("showVGA 6").out, {.configs = {config_}}), "no error");
 }
 
 TEST_F(ParseTest, TypesMayBeCalledAnything) {
