@@ -87,16 +87,15 @@ std::optional<Count> skipShortenedCount(TextCursor& text) {
 }
 
 template <typename Print>
-std::string nameCell(TextCursor& text, std::span<const char* const> names, const char* otherwise, Print print) {
-  for (const char* const name : names) {
-    if (text.skip(print(name))) return name;
+std::string nameCell(TextCursor& text, std::span<const ValueName> names, const char* ValueName::*which,
+                     const char* otherwise, Print print) {
+  std::string allowed;
+  for (const ValueName& name : names) {
+    if (text.skip(print(name.*which))) return name.*which;
+    if (std::string_view(name.*which) != otherwise) allowed += std::string(name.*which) + ", ";
   }
   if (text.skip(print(otherwise))) return otherwise;
-  std::string allowed;
-  for (const char* const name : names)
-    allowed += (allowed.empty() ? "" : ", ") + std::string(name);
-  if (std::string_view(names.back()) != otherwise) allowed += std::string(", ") + otherwise;
-  text.fail("one of " + allowed);
+  text.fail("one of " + allowed + otherwise);
 }
 
 // What `read` gives, if it fits a smaller number.
@@ -164,12 +163,16 @@ std::uint16_t registerCell(TextCursor& text) {
   return static_cast<std::uint16_t>(value);
 }
 
-std::string leftNameCell(TextCursor& text, std::span<const char* const> names, const char* otherwise) {
-  return nameCell(text, names, otherwise, leftAligned);
+std::string leftNameCell(TextCursor& text, std::span<const ValueName> names, const char* otherwise) {
+  return nameCell(text, names, &ValueName::name, otherwise, leftAligned);
 }
 
-std::string rightNameCell(TextCursor& text, std::span<const char* const> names, const char* otherwise) {
-  return nameCell(text, names, otherwise, rightAligned);
+std::string rightNameCell(TextCursor& text, std::span<const ValueName> names, const char* otherwise) {
+  return nameCell(text, names, &ValueName::name, otherwise, rightAligned);
+}
+
+std::string shortNameCell(TextCursor& text, std::span<const ValueName> names, const char* otherwise) {
+  return nameCell(text, names, &ValueName::shortName, otherwise, rightAligned);
 }
 
 Count countCell(TextCursor& text) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "display/name_tables.h"
 #include "serdesctl/tables/records.h"
 #include "serdesctl/tables/text_cursor.h"
 
@@ -30,8 +31,10 @@ std::int32_t signedByteHexCell(TextCursor& text);
 std::uint16_t registerCell(TextCursor& text);
 
 // "%-4s " and "%5s" of one of the names, or of `otherwise`.
-std::string leftNameCell(TextCursor& text, std::span<const char* const> names, const char* otherwise);
-std::string rightNameCell(TextCursor& text, std::span<const char* const> names, const char* otherwise);
+std::string leftNameCell(TextCursor& text, std::span<const ValueName> names, const char* otherwise);
+std::string rightNameCell(TextCursor& text, std::span<const ValueName> names, const char* otherwise);
+// "%5s" of one of the short names.
+std::string shortNameCell(TextCursor& text, std::span<const ValueName> names, const char* otherwise);
 
 // A count as printCompactCount prints it.
 Count countCell(TextCursor& text);

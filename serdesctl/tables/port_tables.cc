@@ -7,11 +7,9 @@
 #include <optional>
 #include <span>
 
-#include "arguments/argument_parsers.h"
+#include "arguments/keywords.h"
 #include "commands/dfe_stats.h"
 #include "commands/registers.h"
-#include "commands/rx_eq.h"
-#include "commands/tx_eq.h"
 #include "display/name_tables.h"
 #include "serdesctl/tables/cells.h"
 #include "topology/serdes_topology.h"
@@ -19,8 +17,8 @@
 namespace serdesctl {
 namespace {
 
-constexpr std::array<const char*, 2> kYesNo = {"no", "yes"};
-constexpr std::array<const char*, 3> kInterfaceNames = {"asic", "system", "network"};  // by CacheInterface
+constexpr std::array<ValueName, 1> kYes = {{{"yes"}}};
+constexpr const char* kUnknown = "UNK";
 
 template <typename Record>
 struct Row {
@@ -32,7 +30,7 @@ struct Row {
 template <typename Record>
 constexpr std::array<Row<Record>, 2> kRateRows = {{
     {"config rate (gb/s)", [](TextCursor& t, Record& r) { r.configRate = rightNameCell(t, rateNames, "INV"); }, 18},
-    {"stream enable", [](TextCursor& t, Record& r) { r.streamEnabled = rightNameCell(t, kYesNo, "no") == "yes"; }, 18},
+    {"stream enable", [](TextCursor& t, Record& r) { r.streamEnabled = rightNameCell(t, kYes, "no") == "yes"; }, 18},
 }};
 
 // Caches hold whole numbers, of the settings in use only 8 bits exist.
@@ -51,7 +49,7 @@ constexpr NumberReader kHexSettingCell = kIsCache<Record> ? hexCell : signedByte
 
 template <typename Record>
 constexpr std::array<Row<Record>, 6> kFfeRows = {{
-    {"ffe mode", [](TextCursor& t, Record& r) { r.ffeMode = leftNameCell(t, ffeModeNames, "UNK"); }},
+    {"ffe mode", [](TextCursor& t, Record& r) { r.ffeMode = leftNameCell(t, ffeModeNames, kUnknown); }},
     {"k (power)", [](TextCursor& t, Record& r) { r.k = kPowerCell<Record>(t); }},
     {"c0 (precursor)", [](TextCursor& t, Record& r) { r.c0 = kSettingCell<Record>(t); }},
     {"c1 (main)", [](TextCursor& t, Record& r) { r.c1 = kSettingCell<Record>(t); }},
@@ -60,9 +58,8 @@ constexpr std::array<Row<Record>, 6> kFfeRows = {{
 }};
 
 std::optional<std::int32_t> slewCell(TextCursor& text) {
-  const std::string name = rightNameCell(text, slewRateShortNames, slewRateShortNames.back());
-  if (name == slewRateShortNames.back()) return std::nullopt;
-  return std::stoi(name);
+  const std::string name = shortNameCell(text, slewRateNames, kUnknown);
+  return name == kUnknown ? std::nullopt : std::optional(std::stoi(name));
 }
 
 template <typename Record>
@@ -89,7 +86,7 @@ constexpr std::array<Row<Record>, 2> kEthernetTxRows = {{
 
 template <typename Record>
 constexpr std::array<Row<Record>, 1> kDfeModeRows = {{
-    {"dfe mode", [](TextCursor& t, Record& r) { r.dfeMode = leftNameCell(t, dfeModeNames, "UNK"); }},
+    {"dfe mode", [](TextCursor& t, Record& r) { r.dfeMode = leftNameCell(t, dfeModeNames, kUnknown); }},
 }};
 
 template <typename Record>
@@ -304,7 +301,7 @@ std::optional<CacheWords> cacheWords(const std::string& words, const Form& form)
     CacheInterface interface {};
     if (between == std::string::npos) return std::nullopt;
     if (parseInterface(words.substr(0, between).c_str(), interface) != CMD_OK) return std::nullopt;
-    result.interface = kInterfaceNames[interface];
+    result.interface = interfaceNames[interface].name;
     rateBegin = between + std::string_view(form.betweenWords).size();
   }
   const auto rate = rateOfWord(words.substr(rateBegin));

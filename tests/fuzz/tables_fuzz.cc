@@ -13,6 +13,7 @@
 #include "serdesctl/formats/reports.h"
 #include "serdesctl/tables/config_text.h"
 #include "serdesctl/tables/parse.h"
+#include "tests/fuzz/tables_fuzz.h"
 
 namespace {
 
@@ -33,9 +34,9 @@ constexpr const char* kTopology =
 
 }  // namespace
 
-// 0: records; 1: an error.
-int readTables(std::string_view input) {
-  if (input.empty()) return 1;
+// True when these are records.
+bool readTables(std::string_view input) {
+  if (input.empty()) return false;
   serdesctl::LogKnowledge knowledge;
   const int flags = input[0];
   input.remove_prefix(1);
@@ -52,9 +53,9 @@ int readTables(std::string_view input) {
     }
     (void)serdesctl::csvReport(answers);
   } catch (const serdesctl::Error&) {
-    return 1;
+    return false;
   }
-  return 0;
+  return true;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

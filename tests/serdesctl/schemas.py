@@ -1,16 +1,19 @@
 """The installed schemas, and objects held against them."""
+
+from __future__ import annotations
+
 import functools
 import json
-import pathlib
 from typing import Any
 
 import jsonschema
+from serdes_runs import ROOT
 
-FOLDER = pathlib.Path(__file__).resolve().parents[2] / "serdesctl" / "schemas"
+FOLDER = ROOT / "serdesctl" / "schemas"
 
 
 @functools.cache
-def validator(kind: str) -> jsonschema.Draft202012Validator:
+def validator(kind: str) -> Any:
     schema = json.loads((FOLDER / f"{kind}.json").read_text())
     jsonschema.Draft202012Validator.check_schema(schema)
     return jsonschema.Draft202012Validator(schema)

@@ -10,8 +10,6 @@
 #include <vector>
 
 #include "arguments/argument_parsers.h"
-#include "commands/rx_eq.h"
-#include "commands/tx_eq.h"
 #include "display/name_tables.h"
 #include "serdesctl/tables/config_text.h"
 #include "serdesctl/tables/parse.h"
