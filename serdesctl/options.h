@@ -54,12 +54,21 @@ struct ParseOptions {
   bool csv = false;
 };
 
+struct HealthOptions {
+  std::vector<std::string> ports;
+  std::optional<std::uint32_t> asic;
+  std::optional<double> interval;
+  bool clear = false;
+  bool json = false;
+};
+
 struct Options {
   CommonOptions common;
   RunOptions run;
   JournalOptions journal;
   ShowOptions show;
   ParseOptions parse;
+  HealthOptions health;
 };
 
 // A subcommand: its word, what --help says about it, its own options, and what it does. `perform` gives the exit

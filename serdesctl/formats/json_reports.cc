@@ -1,48 +1,13 @@
-// Answers as JSON. Names that are not UTF-8 are shown with replacement characters.
+// Answers as JSON.
 #include <array>
 #include <ctime>
 
-#include <nlohmann/json.hpp>
-
 #include "serdesctl/formats/config_records.h"
+#include "serdesctl/formats/json_object.h"
 #include "serdesctl/formats/reports.h"
 
 namespace serdesctl {
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-constexpr double kMostInteger = 9e18;
-
-template <typename Value>
-Json json(const Value& value) {
-  return value;
-}
-
-// Counts are whole numbers, and are written so where JSON's readers have room for them.
-Json json(double value) {
-  return value < kMostInteger ? Json(static_cast<std::uint64_t>(value)) : Json(value);
-}
-
-template <typename Value>
-Json json(const std::optional<Value>& value) {
-  return value ? json(*value) : Json(nullptr);
-}
-
-template <typename Record>
-Json object(const Record& record) {
-  Json result = Json::object();
-  eachField(record, [&](const char* name, const auto& value) { result[name] = json(value); });
-  return result;
-}
-
-template <typename Record>
-Json objects(const std::vector<Record>& records) {
-  Json result = Json::array();
-  for (const Record& record : records)
-    result.push_back(object(record));
-  return result;
-}
 
 // What a kind has besides its records stands in front of them.
 
@@ -87,19 +52,6 @@ void addTo(Json& report, const StartText& start) {
   addTo(report, start.discovery);
 }
 
-Json envelope(const char* kind, const ParsedAnswer& answer, const Origin& origin) {
-  return {{"schema", kSchemaVersion},
-          {"kind", kind},
-          {"command", answer.command.empty() ? Json(nullptr) : Json(answer.command)},
-          {"target", json(origin.target)},
-          {"time", json(origin.time)},
-          {"asic", json(answer.asic)}};
-}
-
-std::string line(const Json& report) {
-  return report.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
-}
-
 // A discovery that failed has no records to rely on.
 bool hasRecords(const ParsedAnswer& answer) {
   const auto* const found = std::get_if<DiscoveryText>(&answer.records);
@@ -115,17 +67,17 @@ bool isReported(const ParsedAnswer& answer) {
 std::string jsonReport(const ParsedAnswer& answer, const Origin& origin) {
   std::string lines;
   if (hasRecords(answer)) {
-    Json report = envelope(kindName(answer.records), answer, origin);
+    Json report = envelope(kindName(answer.records), answer.command, origin.target, origin.time, answer.asic);
     std::visit([&](const auto& records) { addTo(report, records); }, answer.records);
-    lines += line(report);
+    lines += jsonLine(report);
   }
   if (answer.status != CMD_OK) {
-    Json report = envelope("refused", answer, origin);
+    Json report = envelope("refused", answer.command, origin.target, origin.time, answer.asic);
     report["status"] = static_cast<int>(answer.status);
     report["message"] = statusMessage(answer.status);
     report["error"] = answer.complaint.empty() ? Json(nullptr) : Json(answer.complaint);
     report["records"] = Json::array();
-    lines += line(report);
+    lines += jsonLine(report);
   }
   return lines;
 }

@@ -5,12 +5,12 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
+#include "serdesctl/health/judging.h"
 #include "serdesctl/tables/parse.h"
 
 namespace serdesctl {
-
-inline constexpr int kSchemaVersion = 1;
 
 // Where and when an answer came from; nothing for a saved text, which does not tell.
 struct Origin {
@@ -26,6 +26,18 @@ std::string jsonReport(const ParsedAnswer& answer, const Origin& origin);
 
 // A line of names and a line per record. Throws UsageError unless all records are of one kind.
 std::string csvReport(std::span<const ParsedAnswer> answers);
+
+// Ports with their verdicts: one object, whose `interval_s` says how far apart two looks were.
+struct HealthReport {
+  std::optional<std::uint32_t> asic;  // nothing: of all
+  std::optional<double> intervalS;
+  bool cleared = false;
+  std::vector<PortHealth> ports;
+};
+std::string jsonReport(const HealthReport& health, const Origin& origin);
+
+// The same as a table for people.
+std::string textReport(const HealthReport& health);
 
 // "2025-11-21T21:13:05Z"
 std::string utcTime(std::int64_t secondsSinceEpoch);

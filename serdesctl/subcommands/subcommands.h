@@ -9,6 +9,7 @@ namespace serdesctl {
 int performRun(const Options& options);
 int performShow(const Options& options);
 int performParse(const Options& options);
+int performHealth(const Options& options);
 int performJournal(const Options& options);
 
 // The target that the command line names, with the lock's patience.
