@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 #include <utility>
 
 #include "commands/dfe_stats.h"
@@ -20,11 +21,10 @@ std::string refusal(const std::string& command, const Answer& answer) {
 }
 
 bool shareNames(const std::vector<ConfigType>& types) {
-  std::vector<std::string> names;
+  std::set<std::string> names;
   for (const ConfigType& type : types)
-    names.push_back(type.name);
-  std::sort(names.begin(), names.end());
-  return std::adjacent_find(names.begin(), names.end()) != names.end();
+    names.insert(type.name);
+  return names.size() != types.size();
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 #include <cstdio>
 
 #include "serdesctl/base/errors.h"
-#include "serdesctl/formats/config_records.h"
 #include "serdesctl/formats/reports.h"
+#include "serdesctl/tables/config_records.h"
 
 namespace serdesctl {
 namespace {

@@ -2,9 +2,9 @@
 #include <array>
 #include <ctime>
 
-#include "serdesctl/formats/config_records.h"
 #include "serdesctl/formats/json_object.h"
 #include "serdesctl/formats/reports.h"
+#include "serdesctl/tables/config_records.h"
 
 namespace serdesctl {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "serdesctl/formats/config_records.h"
+#include "serdesctl/tables/config_records.h"
 #include "topology/serdes_topology.h"
 
 namespace serdesctl {

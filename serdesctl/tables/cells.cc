@@ -81,7 +81,8 @@ std::optional<Count> skipShortenedCount(TextCursor& text) {
   if (!exponent || *exponent < kLeastExponent || *exponent > kMostExponent) return std::nullopt;
   if (*exponent == kMostExponent && *mantissa > 2) return std::nullopt;  // 64 bits end there
   Cell cell;
-  std::snprintf(cell.text.data(), cell.text.size(), "%ue%02u ", *mantissa, *exponent);
+  std::snprintf(cell.text.data(), cell.text.size(), "%de%02d ", static_cast<int>(*mantissa),
+                static_cast<int>(*exponent));
   if (!text.skip(cell.text.data())) return std::nullopt;
   return shortenedCount(*mantissa, *exponent);
 }

@@ -398,7 +398,7 @@ void readRegisterRows(TextCursor& text, AnswerText& answer) {
 
 // What can be said of a table without rows: in a dump an empty line ends it, and statistics that cannot be laid out end
 // without one.
-enum class Rowless { kNo, kDump, kStats };
+enum class Rowless { kNotSo, kDump, kStats };
 
 Rowless readOfOneType(TextCursor& text, AnswerText& answer) {
   if (text.startsWith(padded(evenOddTapNames[0]))) {
@@ -412,7 +412,7 @@ Rowless readOfOneType(TextCursor& text, AnswerText& answer) {
   } else {
     return text.skip("\n") ? Rowless::kDump : Rowless::kStats;
   }
-  return Rowless::kNo;
+  return Rowless::kNotSo;
 }
 
 template <typename Record>

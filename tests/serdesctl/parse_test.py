@@ -49,6 +49,11 @@ class Parse(ProgramTest):
                 kinds.update(found["kind"] for found in objects)
         self.assertEqual({path.stem for path in FOLDER.iterdir()} - kinds, {"health"}, "kinds that no case shows")
 
+    def test_the_page_tells_every_kind(self) -> None:
+        page = (ROOT / "docs" / "records.md").read_text()
+        rows = {word for line in page.splitlines() if line.startswith("| `") for word in line.split("|")[1].split("`")}
+        self.assertEqual({path.stem for path in FOLDER.iterdir()} - rows, set())
+
     def test_show_and_parse_agree(self) -> None:
         log = self.tool("showConfig\nshowRxParams 0-19\nshowPLL all\nshowTxParamsCache 8g gl\n").decode()
         status, out, err = self.parse(log)

@@ -1,5 +1,5 @@
 // The topology as records.
-#include "serdesctl/formats/config_records.h"
+#include "serdesctl/tables/config_records.h"
 
 #include "topology/serdes_topology.h"
 
