@@ -29,7 +29,8 @@ constexpr const char* kTopology =
     "\ncoreConfig:\n"
     "coreId 0  : A                   P0_TX_RX(8) P1_TX_RX(9) P4_RX(N/A) \n"
     "coreId 1  : B                   P2_TX_RX(10) P3_TX_RX(11) P4_TX(N/A) \n"
-    "\nserdesConfig:\nA useCount:5\nB useCount:5\nC useCount:0\nD useCount:0\nE useCount:0\nF useCount:0\nG useCount:0\n"
+    "\nserdesConfig:\nA useCount:5\nB useCount:5\nC useCount:0\nD useCount:0\nE useCount:0\nF useCount:0\nG "
+    "useCount:0\n"
     "\nglPortList: 0x00000003\n\nxgPortList: 0x0000000c\n\nexgPortList: 0x00000010\n";
 
 }  // namespace
