@@ -13,10 +13,6 @@
 
 namespace {
 
-constexpr std::array<const char*, 10> kEvenOddTaps = {"H1_Even", "H1_Odd",  "H2_Even", "H2_Odd",  "H3_Even",
-                                                      "H3_Odd",  "H4_Even", "H4_Odd",  "H5_Even", "H5_Odd"};
-constexpr std::array<const char*, 5> kTaps = {"H1", "H2", "H3", "H4", "H5"};
-
 // The largest count that fits a cell as it is.
 constexpr std::uint64_t kMaxPlainCount = 9999;
 
@@ -31,9 +27,9 @@ std::span<const char* const> tapLabels(std::uint32_t type) {
   switch (type) {
     case 2:
     case 5:
-      return kEvenOddTaps;
+      return evenOddTapNames;
     case 3:
-      return kTaps;
+      return tapNames;
     default:
       return {};
   }

@@ -54,12 +54,64 @@ void addJournalOptions(CLI::App& app, Options& options) {
   app.add_flag("--json", journal.json, "Print an object a line for each command");
 }
 
-constexpr std::array<Subcommand, 2> kSubcommands = {{
+void addShowOptions(CLI::App& app, Options& options) {
+  ShowOptions& show = options.show;
+  app.add_option("COMMAND", show.command, "A command that shows something, with its words: showTxParams 0-3")
+      ->required()
+      ->take_all();
+  app.add_option("--asic", show.asic, "Of this ASIC")->type_name("NUMBER")->check(CLI::Range(0, 1));
+  CLI::Option* const json = app.add_flag("--json", show.json, "As one JSON object, the default but at a terminal");
+  CLI::Option* const csv = app.add_flag("--csv", show.csv, "As a line of names and a line per record")->excludes(json);
+  app.add_flag("--text", show.text, "As the tool prints it, the default at a terminal")->excludes(json)->excludes(csv);
+}
+
+void addParseOptions(CLI::App& app, Options& options) {
+  ParseOptions& parse = options.parse;
+  app.add_option("COMMAND", parse.command, "The command whose output is read, as far as it is known: showRx 0-3")
+      ->take_all();
+  app.add_option("--config", parse.config, "The answer to showConfig, which may stand in a log, for tables of a switch")
+      ->type_name("FILE");
+  app.add_option("--asic", parse.asic, "The ASIC that is current where the text begins")->type_name("NUMBER");
+  app.add_flag("--csv", parse.csv, "A line of names and a line per record, instead of a JSON object per answer");
+}
+
+void addHealthOptions(CLI::App& app, Options& options) {
+  HealthOptions& health = options.health;
+  app.add_option("PORTS", health.ports, "A port list: gl, 0-3 8; without it all ports of all ASICs")->take_all();
+  app.add_option("--asic", health.asic, "Of this ASIC; PORTS are of ASIC 0 unless told")
+      ->type_name("NUMBER")
+      ->check(CLI::Range(0, 1));
+  app.add_option("--interval", health.interval, "Look twice, so far apart, and tell errors a second")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.001, kLongestSeconds));
+  app.add_flag("--clear", health.clear, "Clear the ports' error counters first, which the journal tells");
+  app.add_flag("--json", health.json, "Print one JSON object");
+}
+
+constexpr std::array<Subcommand, 5> kSubcommands = {{
     {
         .name = "run",
         .description = "Check scripts and run them, up to the first command that fails",
         .addOptions = addRunOptions,
         .perform = performRun,
+    },
+    {
+        .name = "show",
+        .description = "Ask the tool something and print its answer as data",
+        .addOptions = addShowOptions,
+        .perform = performShow,
+    },
+    {
+        .name = "parse",
+        .description = "Read what the tool printed, or a log of it, from standard input and print it as data",
+        .addOptions = addParseOptions,
+        .perform = performParse,
+    },
+    {
+        .name = "health",
+        .description = "Show how well ports run, the worst first",
+        .addOptions = addHealthOptions,
+        .perform = performHealth,
     },
     {
         .name = "journal",

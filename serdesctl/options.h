@@ -1,7 +1,9 @@
 // The command line: a row per subcommand, from which parsing, help, manual and completion are made.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,10 +39,36 @@ struct JournalOptions {
   bool json = false;
 };
 
+struct ShowOptions {
+  std::vector<std::string> command;
+  std::uint32_t asic = 0;
+  bool json = false;
+  bool csv = false;
+  bool text = false;
+};
+
+struct ParseOptions {
+  std::vector<std::string> command;
+  std::string config;
+  std::optional<std::uint32_t> asic;
+  bool csv = false;
+};
+
+struct HealthOptions {
+  std::vector<std::string> ports;
+  std::optional<std::uint32_t> asic;
+  std::optional<double> interval;
+  bool clear = false;
+  bool json = false;
+};
+
 struct Options {
   CommonOptions common;
   RunOptions run;
   JournalOptions journal;
+  ShowOptions show;
+  ParseOptions parse;
+  HealthOptions health;
 };
 
 // A subcommand: its word, what --help says about it, its own options, and what it does. `perform` gives the exit

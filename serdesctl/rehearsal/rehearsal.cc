@@ -163,29 +163,6 @@ std::string missingInList(const Words& words, const ListPlace& place, bool known
 
 }  // namespace
 
-Words splitWords(const std::string& line) {
-  Words words;
-  bool inWord = false;
-  for (const char c : line.substr(0, line.find('#'))) {
-    const bool blank = std::isspace(static_cast<unsigned char>(c)) != 0;
-    if (!blank && !inWord) words.emplace_back();
-    if (!blank) words.back() += c;
-    inWord = !blank;
-  }
-  return words;
-}
-
-const CmdTableEntry* findCommand(const std::string& word) {
-  for (const CmdTableEntry* row = cmdTable.data(); row->name != nullptr; ++row) {
-    if (strcasecmp(word.c_str(), row->name) == 0 || strcasecmp(word.c_str(), row->shortcut) == 0) return row;
-  }
-  return nullptr;
-}
-
-bool asksForHelp(const Words& words) {
-  return words.size() >= 2 && (words[1] == "?" || strcasecmp(words[1].c_str(), "help") == 0);
-}
-
 Words loopedCommand(const Words& words) {
   const CmdTableEntry* const row = words.empty() ? nullptr : findCommand(words[0]);
   if (row == nullptr || std::strcmp(row->name, "loop") != 0 || asksForHelp(words)) return {};

@@ -7,22 +7,12 @@
 #include <vector>
 
 #include "arguments/cmd_status.h"
+#include "serdesctl/base/command_words.h"
 #include "serdesctl/base/files.h"
 #include "serdesctl/rehearsal/learning.h"
 #include "shell/command_table.h"
 
 namespace serdesctl {
-
-using Words = std::vector<std::string>;
-
-// A line cut into words as the tool cuts it, its comment left out.
-Words splitWords(const std::string& line);
-
-// The row of a command word; null for an unknown one.
-const CmdTableEntry* findCommand(const std::string& word);
-
-// Words that ask for a command's help and run nothing.
-bool asksForHelp(const Words& words);
 
 // The command that a loop repeats, empty for any other command and for a loop that is refused.
 Words loopedCommand(const Words& words);

@@ -110,13 +110,6 @@ int report(const CheckedScripts& checked) {
   return checked.problems.empty() ? kDone : kRefused;
 }
 
-// A tool that cannot close the switch may not have kept what was changed.
-void closeTool(Conversation& tool, const Target& target) {
-  std::string lastWords;
-  const ProcessEnd end = tool.close(lastWords);
-  if (!end.well()) throw ConnectionError(target.name + ": the tool ended " + end.text() + ": " + lastWords);
-}
-
 int runOn(const Target& target, const Options& options, const std::vector<Script>& scripts) {
   Conversation tool(target, Seconds(options.common.timeout));
   const CheckedScripts checked = checkOnSwitch(scripts, tool);
@@ -143,6 +136,13 @@ int performRun(const Options& options) {
     scripts.push_back(readScript(file));
   if (options.run.offline) return report(checkWithoutSwitch(scripts));
   return runOn(chosenTarget(options.common), options, scripts);
+}
+
+// A tool that cannot close the switch may not have kept what was changed.
+void closeTool(Conversation& tool, const Target& target) {
+  std::string lastWords;
+  const ProcessEnd end = tool.close(lastWords);
+  if (!end.well()) throw ConnectionError(target.name + ": the tool ended " + end.text() + ": " + lastWords);
 }
 
 Target chosenTarget(const CommonOptions& options) {

@@ -2,13 +2,20 @@
 #pragma once
 
 #include "serdesctl/options.h"
+#include "serdesctl/session/conversation.h"
 
 namespace serdesctl {
 
 int performRun(const Options& options);
+int performShow(const Options& options);
+int performParse(const Options& options);
+int performHealth(const Options& options);
 int performJournal(const Options& options);
 
 // The target that the command line names, with the lock's patience.
 Target chosenTarget(const CommonOptions& options);
+
+// Ends the tool; throws ConnectionError when it ends badly.
+void closeTool(Conversation& tool, const Target& target);
 
 }  // namespace serdesctl

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "serdesctl/tables/text_cursor.h"
+
 namespace serdesctl {
 
 struct SwitchText {
@@ -32,6 +34,7 @@ struct FoundCore {
 
 struct DiscoveryText {
   std::vector<FoundCore> cores;
+  bool complete = false;  // false: it failed after these cores, and what follows is not known
   std::uint32_t asic = 0;
   std::uint32_t coreCount = 0;  // as reported: may exceed the cores above
   std::uint32_t portCount = 0;
@@ -79,7 +82,12 @@ struct ConfigText {
   std::uint32_t exgPorts = 0;
 };
 
-// Each reads the whole text or throws AnswerError.
+// Each reads what it is about and leaves the rest; throws ParseError.
+SwitchText readSwitch(TextCursor& text);
+DiscoveryText readDiscovery(TextCursor& text);
+ConfigText readConfig(TextCursor& text);
+
+// Each reads the whole text or throws ParseError.
 StartText parseStart(std::string_view text);
 DiscoveryText parseDiscovery(std::string_view text);
 ConfigText parseConfig(std::string_view text);

@@ -2,14 +2,35 @@
 #include "serdesctl/tables/text_cursor.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
-
-#include "serdesctl/base/errors.h"
+#include <cstdio>
 
 namespace serdesctl {
+namespace {
+
+constexpr std::size_t kMostShown = 40;
+
+// What a message shows of a text that people may see on a terminal.
+std::string shown(std::string_view text) {
+  std::string result;
+  for (const char c : text.substr(0, kMostShown)) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte == '\n') return result.empty() ? "the end of the line" : "'" + result + "'";
+    result += byte < ' ' || byte >= 0x7F ? '?' : c;
+  }
+  return result.empty() ? "the end" : "'" + result + "'";
+}
+
+}  // namespace
+
+ParseError::ParseError(const std::string& name, TextPlace place, const std::string& what)
+    : AnswerError(name + ", line " + std::to_string(place.line) + ", column " + std::to_string(place.column) + ": " +
+                  what),
+      place_(place) {}
 
 void TextCursor::expect(std::string_view expected) {
-  if (!skip(expected)) fail("'" + std::string(expected) + "'");
+  if (!skip(expected)) fail(shown(expected));
 }
 
 bool TextCursor::skip(std::string_view expected) {
@@ -27,18 +48,21 @@ std::int32_t TextCursor::number() {
   std::int32_t value = 0;
   const char* const begin = text_.data() + at_;
   const auto [end, error] = std::from_chars(begin, text_.data() + text_.size(), value);
-  if (error != std::errc()) fail("a number");
-  at_ += static_cast<std::size_t>(end - begin);
+  const auto length = static_cast<std::size_t>(end - begin);
+  if (error != std::errc() || std::to_string(value) != text_.substr(at_, length)) fail("a number");
+  at_ += length;
   return value;
 }
 
-std::uint32_t TextCursor::hexNumber() {
-  expect("0x");
+std::uint32_t TextCursor::hexNumber(int leastDigits) {
   std::uint32_t value = 0;
-  const char* const begin = text_.data() + at_;
-  const auto [end, error] = std::from_chars(begin, text_.data() + text_.size(), value, 16);
-  if (error != std::errc() || end - begin != 8) fail("eight hexadecimal digits");
-  at_ += 8;
+  const std::size_t digits = at_ + 2;
+  if (startsWith("0x")) {
+    (void)std::from_chars(text_.data() + digits, text_.data() + text_.size(), value, 16);
+  }
+  std::array<char, 16> printed;
+  std::snprintf(printed.data(), printed.size(), "0x%0*x", leastDigits, value);
+  if (!skip(printed.data())) fail("a hexadecimal number");
   return value;
 }
 
@@ -48,13 +72,13 @@ std::string_view TextCursor::line() {
 
 std::string_view TextCursor::until(std::string_view end) {
   const std::size_t length = rest().find(end);
-  if (length == std::string_view::npos) fail("'" + std::string(end) + "'");
+  if (length == std::string_view::npos) fail(shown(end) + " in it");
   return take(length, end.size());
 }
 
 std::string_view TextCursor::untilLast(std::string_view end) {
   const std::size_t length = rest().substr(0, rest().find('\n')).rfind(end);
-  if (length == std::string_view::npos) fail("'" + std::string(end) + "'");
+  if (length == std::string_view::npos) fail(shown(end) + " in it");
   return take(length, end.size());
 }
 
@@ -68,13 +92,14 @@ void TextCursor::expectEnd() {
   if (!atEnd()) fail("the end");
 }
 
-void TextCursor::fail(const std::string& expected) const {
+TextPlace TextCursor::place() const {
   const std::string_view before = text_.substr(0, at_);
-  const auto lineNumber = 1 + std::count(before.begin(), before.end(), '\n');
-  const std::string_view here = rest().substr(0, std::min<std::size_t>(rest().find('\n'), 40));
-  std::string shown = expected == "'\n'" ? "the end of the line" : expected;
-  throw AnswerError(name_ + ", line " + std::to_string(lineNumber) + ": " + shown + " was expected before '" +
-                    std::string(here) + "'");
+  const auto newlines = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
+  return {.line = 1 + newlines, .column = at_ - (before.rfind('\n') + 1) + 1};
+}
+
+void TextCursor::fail(const std::string& expected) const {
+  throw ParseError(name_, place(), expected + " was expected before " + shown(rest()));
 }
 
 }  // namespace serdesctl

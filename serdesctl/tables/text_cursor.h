@@ -1,11 +1,34 @@
-// Reads text of a fixed form from left to right. Whatever is not as expected throws AnswerError, naming the place.
+// Reads text of a fixed form from left to right. Whatever is not as expected throws ParseError, naming the place.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "serdesctl/base/errors.h"
+
 namespace serdesctl {
+
+// Where something stands in a text; both count from 1.
+struct TextPlace {
+  std::size_t line = 1;
+  std::size_t column = 1;
+};
+
+// Text that the tool does not print, or that cannot be understood for certain.
+class ParseError : public AnswerError {
+ public:
+  // `name` is what the text is.
+  ParseError(const std::string& name, TextPlace place, const std::string& what);
+
+  TextPlace place() const {
+    return place_;
+  }
+
+ private:
+  TextPlace place_;
+};
 
 class TextCursor {
  public:
@@ -21,6 +44,17 @@ class TextCursor {
   bool startsWith(std::string_view expected) const {
     return rest().starts_with(expected);
   }
+  const std::string& name() const {
+    return name_;
+  }
+
+  // How far reading has come, and going back there.
+  std::size_t mark() const {
+    return at_;
+  }
+  void backTo(std::size_t mark) {
+    at_ = mark;
+  }
 
   void expect(std::string_view expected);
   // The same, if it is there.
@@ -32,8 +66,8 @@ class TextCursor {
   std::uint32_t unsignedNumber() {
     return static_cast<std::uint32_t>(number());
   }
-  // Eight digits behind "0x".
-  std::uint32_t hexNumber();
+  // Behind "0x", as %0*x prints it.
+  std::uint32_t hexNumber(int leastDigits = 8);
 
   // The rest of the line, its newline consumed.
   std::string_view line();
@@ -43,6 +77,7 @@ class TextCursor {
 
   void expectEnd();
 
+  TextPlace place() const;
   [[noreturn]] void fail(const std::string& expected) const;
 
  private:

@@ -17,7 +17,8 @@ from typing import Any
 SOURCE, BUILD, SERDES = Path(os.environ["SOURCE"]), Path(os.environ["BUILD"]), Path(os.environ["SERDES"])
 SCRIPTS = SOURCE / "scripts"
 LIMIT_SECONDS = 60
-BESIDES = {"g++", "libgtest-dev", "python3-pyte"}  # installed besides what the packages are built with
+# Installed besides what the packages are built with.
+BESIDES = {"g++", "libgtest-dev", "python3-pyte", "python3-jsonschema", "jc"}
 
 
 def run(*command: str | Path, **options: Any) -> subprocess.CompletedProcess[str]:
