@@ -29,7 +29,8 @@ EyeScan::EyeScan(const Transmitter& transmitter, const Channel& channel, const R
 }
 
 int EyeScan::worst(int phase, int magnitude) {
-  Column& column = columns_[static_cast<std::size_t>(phase + kMaxPhase)];
+  const int index = phase + kMaxPhase;
+  Column& column = columns_[static_cast<std::size_t>(index)];
   if (!column.decisions) column.decisions = sampleAt(*signal_, static_cast<double>(phase) / kPhases).decisions;
   while (static_cast<int>(column.exponents.size()) <= magnitude) {
     const int level = static_cast<int>(column.exponents.size());
