@@ -1,7 +1,9 @@
 // Verdicts.
 //
 // Ap is what a one reads on average, and Amin what the worst ones come down to. An open eye alone makes a link good:
-// one that has lost its signal or its lock counts no errors either.
+// one that has lost its signal counts no errors either. A receiver without lock takes noise for code, so its decode
+// errors are many, while no frame comes that could be wrong. One whose eye is closed and that has lock gets wrong
+// frames.
 #include "serdesctl/health/judging.h"
 
 #include <algorithm>
@@ -18,6 +20,9 @@ constexpr std::int32_t kLeastSignal = 5;
 
 // An eye that is open by less than this share of Ap has no room for what a day brings.
 constexpr std::int32_t kLeastOpenShare = 4;
+
+// So many errors hit a frame also where frames are few.
+constexpr double kManyErrors = 1e5;
 
 struct Finding {
   Verdict verdict = Verdict::kUnknown;
@@ -68,22 +73,31 @@ std::string perSecond(const ErrorRate& rate, const char* what) {
 
 // What is known of a port's errors: in all, and a second.
 struct Errors {
-  bool any = false;      // counted at all
-  bool growing = false;  // for certain
-  bool still = false;    // for certain: two looks gave the same exact counts
-  std::string unclear;   // two looks, and why nobody knows
+  bool any = false;       // counted at all
+  bool growing = false;   // for certain
+  bool still = false;     // for certain: two looks gave the same exact counts
+  bool noFrames = false;  // for certain: of many errors none was a frame's
+  std::string unclear;    // two looks, and why nobody knows
   std::string text;
 };
+
+// In all, or a second.
+bool noneIsOfFrame(double leastDecodeErrors, double mostCrcErrors) {
+  return leastDecodeErrors >= kManyErrors && mostCrcErrors <= 0;
+}
 
 Errors errorsOf(const PortHealth& port, bool twoLooks, const DfeStats& link) {
   Errors result;
   result.any = hasErrors(link);
   result.text = errors(link);
+  result.noFrames =
+      noneIsOfFrame(static_cast<double>(link.decodeErrors->lowest), static_cast<double>(link.crcErrors->highest));
   if (!twoLooks) return result;
   if (!port.decodeErrorRate || !port.crcErrorRate) {
     result.unclear = "the counters were cleared meanwhile";
     return result;
   }
+  if (noneIsOfFrame(port.decodeErrorRate->lowest, port.crcErrorRate->highest)) result.noFrames = true;
   for (const auto& [rate, what] : {std::pair(*port.decodeErrorRate, "decode"), std::pair(*port.crcErrorRate, "CRC")}) {
     if (rate.highest > rate.lowest) result.unclear = "too many to tell if they go on";
     if (rate.lowest <= 0 || result.growing) continue;
@@ -98,6 +112,9 @@ Finding judgeLink(const DfeStats& link, const Errors& errors) {
   if (std::abs(*link.ap) < kLeastSignal) return {Verdict::kDead, "no signal: Ap " + std::to_string(*link.ap)};
   if (*link.amin <= 0 && (!errors.any || errors.still)) {
     return {Verdict::kDead, "no lock: the eye is closed (" + eye(link) + ") and nothing is counted"};
+  }
+  if (*link.amin <= 0 && errors.noFrames) {
+    return {Verdict::kDead, "no lock: the eye is closed (" + eye(link) + ") and no frame comes, " + errors.text};
   }
   if (*link.amin <= 0) return {Verdict::kBad, "the eye is closed (" + eye(link) + "), " + errors.text};
   if (errors.growing) return {Verdict::kBad, errors.text + ", " + eye(link)};

@@ -90,7 +90,8 @@ class Show(ProgramTest):
             one_by_one += json.loads(out)["records"] if status == 0 else []
         together = self.shown("showDFEStats", "0-14", switch=switch)["records"]
         self.assertEqual({record["port"] for record in one_by_one}, {0, 2, 3, 4, 6, 7, 8, 9, 10, 11, 14})
-        self.assertEqual([record for record in together if record["amin"] is not None], one_by_one)
+        with_values = [record for record in together if record["amin"] is not None]
+        self.assertEqual(*(list(map(without_counters, records)) for records in (with_values, one_by_one)))
 
     def test_text_is_the_tools(self) -> None:
         for command in ("showFFE 0-3", "showConfig", "showPLL 0"):
@@ -161,6 +162,10 @@ class Show(ProgramTest):
             status, _, err = self.ctl("-t", "sim", "show", "--json", "showRate", "0", stdout=full)
         self.assertEqual(status, 1)
         self.assertIn("standard output", err)
+
+
+def without_counters(record: dict[str, Any]) -> dict[str, Any]:
+    return {name: value for name, value in record.items() if "_errors" not in name}
 
 
 def as_csv(value: Any) -> str:

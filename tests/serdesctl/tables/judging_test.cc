@@ -73,6 +73,25 @@ TEST(Judging, ErrorsCountedByOneLook) {
             "marginal: about 20000 decode and 0 CRC errors since they were cleared, Amin 50 of Ap 78");
 }
 
+TEST(Judging, ManyErrorsAndNoFrameAreALinkWithoutLock) {
+  const Count many = about(350'000'000, 450'000'000);
+  EXPECT_EQ(
+      verdictOn(running({link(-102, 41, many)})),
+      "dead: no lock: the eye is closed (Amin -102 of Ap 41) and no frame comes, about 400000000 decode and 0 CRC "
+      "errors");
+  EXPECT_EQ(verdictOn(running({link(-102, 41, many, exactly(1))})),
+            "bad: the eye is closed (Amin -102 of Ap 41), about 400000000 decode and 1 CRC errors");
+  EXPECT_EQ(verdictOn(running({link(0, 41, exactly(9999))})),
+            "bad: the eye is closed (Amin 0 of Ap 41), 9999 decode and 0 CRC errors");
+  EXPECT_EQ(verdictOn(running({link(50, 78, many)})),
+            "marginal: about 400000000 decode and 0 CRC errors since they were cleared, Amin 50 of Ap 78");
+  EXPECT_EQ(
+      verdictOnTwo(link(-9, 41, exactly(2), exactly(9)), link(-9, 41, many, exactly(9))),
+      "dead: no lock: the eye is closed (Amin -9 of Ap 41) and no frame comes, at least 174999999 decode errors/s");
+  EXPECT_EQ(verdictOnTwo(link(-9, 41, exactly(2), exactly(9)), link(-9, 41, many, exactly(10))),
+            "bad: the eye is closed (Amin -9 of Ap 41), at least 174999999 decode errors/s");
+}
+
 TEST(Judging, TwoLooksTellWhetherErrorsGoOn) {
   EXPECT_EQ(verdictOnTwo(link(50, 78, exactly(7)), link(50, 78, exactly(7))), "good: Amin 50 of Ap 78, no new errors");
   EXPECT_EQ(verdictOnTwo(link(50, 78, exactly(7)), link(50, 78, exactly(10))),
