@@ -15,6 +15,7 @@
 #include "serdesctl/base/files.h"
 #include "serdesctl/rehearsal/rehearsal_platform.h"
 #include "shell/command_reader.h"
+#include "shell/help_and_loop.h"
 #include "topology/serdes_topology.h"
 
 namespace serdesctl {
@@ -165,7 +166,7 @@ std::string missingInList(const Words& words, const ListPlace& place, bool known
 
 Words loopedCommand(const Words& words) {
   const CmdTableEntry* const row = words.empty() ? nullptr : findCommand(words[0]);
-  if (row == nullptr || std::strcmp(row->name, "loop") != 0 || asksForHelp(words)) return {};
+  if (row == nullptr || row->handler != loopCmdHandler || asksForHelp(words)) return {};
   const auto count = static_cast<std::int32_t>(words.size());
   if (count < row->minArgs || count > row->maxArgs) return {};
   return {words.begin() + 1, words.end()};
@@ -214,21 +215,22 @@ void Rehearsal::start() {
 }
 
 // A loop's command is asked twice, as its first passes are: after a help text the second pass finds another command.
-Verdict Rehearsal::judge(const Words& words) {
+Forecast Rehearsal::judge(const Words& words) {
   const Words command = innermostCommand(words);
   const int times = command.size() == words.size() ? 1 : 2;
   rehearsedCalls.clear();
   missingPlace.clear();
-  Verdict verdict;
-  verdict.status = dispatch(command, times);
-  verdict.changes = std::any_of(rehearsedCalls.begin(), rehearsedCalls.end(), [](const auto& c) { return c.changes; });
-  if (verdict.status != CMD_OK) return verdict;
-  verdict.missing = missingPlace;
+  Forecast forecast;
+  forecast.status = dispatch(command, times);
+  forecast.changes = std::any_of(rehearsedCalls.begin(), rehearsedCalls.end(), [](const auto& c) { return c.changes; });
+  // Statistics of a SerDes type without a layout fail, whatever else the list names.
+  if (forecast.status != CMD_OK && forecast.status != CMD_EXEC_ERROR) return forecast;
+  forecast.missing = missingPlace;
   const CmdTableEntry* const row = findCommand(command[0]);
-  if (asksForHelp(command)) return verdict;
+  if (asksForHelp(command)) return forecast;
   const bool known = serdesTopology.asicNum < kMostAsics && rehearsedSwitch.asics[serdesTopology.asicNum].known;
-  if (const auto place = listPlace(*row)) verdict.missing = missingInList(command, *place, known);
-  return verdict;
+  if (const auto place = listPlace(*row)) forecast.missing = missingInList(command, *place, known);
+  return forecast;
 }
 
 CmdStatus Rehearsal::dispatch(const Words& words, int times) const {
@@ -242,6 +244,13 @@ CmdStatus Rehearsal::dispatch(const Words& words, int times) const {
   for (int i = 0; i < times && status == CMD_OK; ++i)
     status = dispatchCommand(static_cast<int>(pointers.size()), pointers.data());
   return status;
+}
+
+void refuseMissing(const Words& words, Conversation& tool, std::uint32_t asic) {
+  Rehearsal rehearsal(learnSwitch(tool, {asic}));
+  (void)rehearsal.judge({"setAsicNum", std::to_string(asic)});
+  const std::string missing = rehearsal.judge(words).missing;
+  if (!missing.empty()) throw UsageError("no " + missing);
 }
 
 }  // namespace serdesctl

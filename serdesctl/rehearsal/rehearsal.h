@@ -23,7 +23,7 @@ Words innermostCommand(Words words);
 // The ASIC that a command selects, in a loop too; nothing for other commands.
 std::optional<std::uint32_t> selectedAsic(const Words& words);
 
-struct Verdict {
+struct Forecast {
   CmdStatus status = CMD_OK;  // what the tool would answer if the platform did all it is asked
   bool changes = false;       // the hardware, if it runs
   std::string missing;        // what it names and the switch does not have, such as "port 24 of ASIC 0"
@@ -37,7 +37,7 @@ class Rehearsal {
   explicit Rehearsal(const LearntSwitch& learnt);
 
   // Judges a command and what it does to the session: the current ASIC changes with setAsicNum.
-  Verdict judge(const Words& words);
+  Forecast judge(const Words& words);
 
  private:
   void start();
@@ -46,5 +46,9 @@ class Rehearsal {
   Fd nowhere_;
   Fd standardOutput_;
 };
+
+// Throws UsageError when a command that shows something names what the ASIC does not have: the tool answers all the
+// same, with nothing or with the values of others. To be asked of a new session, whose current ASIC stays 0.
+void refuseMissing(const Words& words, Conversation& tool, std::uint32_t asic);
 
 }  // namespace serdesctl

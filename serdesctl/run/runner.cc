@@ -1,8 +1,7 @@
-// Running steps. Loops and help of loop are done here: the tool's own loop outlives both ends of its pipe.
+// Running steps. Loops are done here: the tool's own outlives both ends of its pipe.
 #include "serdesctl/run/runner.h"
 
 #include <algorithm>
-#include <cstring>
 #include <exception>
 #include <memory>
 #include <vector>
@@ -22,16 +21,6 @@ constexpr std::size_t kMostAnnounced = 500;
 
 std::size_t changeCount(std::span<const Step> steps) {
   return static_cast<std::size_t>(std::count_if(steps.begin(), steps.end(), [](const Step& s) { return s.changes; }));
-}
-
-std::string joined(const Words& words) {
-  Step step;
-  step.words = words;
-  return step.command();
-}
-
-std::string helpOf(const CmdTableEntry& row) {
-  return "\n" + std::string(row.description) + "\n\n" + row.example + "\n" + row.exampleNote + "\n";
 }
 
 class Run {
@@ -110,12 +99,7 @@ class Run {
   // Runs a command once, a loop with all its passes.
   CmdStatus pass(const Words& words, std::string& output) {
     if (const Words looped = loopedCommand(words); !looped.empty()) return loop(looped, output);
-    const CmdTableEntry* const row = findCommand(words[0]);
-    if (row != nullptr && asksForHelp(words) && std::strcmp(row->name, "loop") == 0) {
-      print(helpOf(*row), output);
-      return CMD_OK;
-    }
-    const Answer answer = tool_.ask(joined(words));
+    const Answer answer = tool_.ask(joinedWords(words));
     print(answer.output, output);
     return answer.status;
   }

@@ -97,6 +97,7 @@ class Reader {
     if (!number || *number < CMD_OK || *number > CMD_EXEC_ERROR) {
       return refuse("'" + word + "' is no status from 0 to 10");
     }
+    if (awaited_) return refuse("no command follows the #: expect before");
     const auto status = static_cast<CmdStatus>(*number);
     if (behindCommand) {
       script_.back().expected = status;
@@ -122,26 +123,25 @@ std::string explained(CmdStatus status, const Words& words) {
 }
 
 // Why a step cannot be run, empty when it can. Whether the hardware refuses is not known beforehand.
-std::string refusal(const Step& step, const Verdict& verdict) {
-  const bool hardwareDecides = verdict.status == CMD_OK || verdict.status == CMD_EXEC_ERROR;
+std::string refusal(const Step& step, const Forecast& forecast) {
+  const bool hardwareDecides = forecast.status == CMD_OK || forecast.status == CMD_EXEC_ERROR;
   const bool hardwareExpected = step.expected == CMD_OK || step.expected == CMD_EXEC_ERROR;
   if (hardwareDecides && hardwareExpected) {
-    return step.expected == CMD_OK && !verdict.missing.empty() ? "no " + verdict.missing : "";
+    return step.expected == CMD_OK && !forecast.missing.empty() ? "no " + forecast.missing : "";
   }
-  if (verdict.status == step.expected) return "";
-  if (step.expected == CMD_OK) return explained(verdict.status, innermostCommand(step.words));
+  if (forecast.status == step.expected) return "";
+  if (forecast.status == CMD_EXIT && step.expected == CMD_OK) return "";
+  if (step.expected == CMD_OK) return explained(forecast.status, innermostCommand(step.words));
   const std::string expected = "status " + std::to_string(step.expected) + " is expected, and ";
   if (hardwareDecides) return expected + "the command would not be refused";
-  return expected + "it would be " + std::to_string(verdict.status) + " (" + statusMessage(verdict.status) + ")";
+  if (forecast.status == CMD_EXIT) return expected + "the command ends the script";
+  return expected + "it would be " + std::to_string(forecast.status) + " (" + statusMessage(forecast.status) + ")";
 }
 
 }  // namespace
 
 std::string Step::command() const {
-  std::string text;
-  for (const std::string& word : words)
-    text += (text.empty() ? "" : " ") + word;
-  return text;
+  return joinedWords(words);
 }
 
 std::string Step::place() const {
@@ -168,12 +168,12 @@ CheckedScripts checkScripts(const std::vector<Script>& scripts, Rehearsal& rehea
         if (step.fault.empty()) checked.steps.push_back(step);
         continue;
       }
-      const Verdict verdict = rehearsal.judge(step.words);
-      if (verdict.status == CMD_EXIT) break;
-      const std::string reason = refusal(step, verdict);
+      const Forecast forecast = rehearsal.judge(step.words);
+      const std::string reason = refusal(step, forecast);
       if (!reason.empty()) checked.problems.push_back(step.place() + ": " + reason);
+      if (forecast.status == CMD_EXIT) break;
       checked.steps.push_back(step);
-      checked.steps.back().changes = verdict.changes;
+      checked.steps.back().changes = forecast.changes;
     }
   }
   return checked;

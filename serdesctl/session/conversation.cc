@@ -4,15 +4,17 @@
 // answer complete. A table that looks like a prompt, or a prompt that comes late, cannot be taken for the end.
 #include "serdesctl/session/conversation.h"
 
-#include <strings.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 
+#include "serdesctl/base/command_words.h"
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/text.h"
+#include "shell/help_and_loop.h"
+#include "shell/session.h"
 
 namespace serdesctl {
 namespace {
@@ -60,15 +62,15 @@ std::optional<CmdStatus> statusOf(std::string_view message) {
 }
 
 // A line that the tool reads as one command and answers before the next. It answers neither loop, which outlives both
-// ends of its pipe, nor exit.
+// ends of its pipe, nor exit; their help it does.
 void refuseUnlessSendable(const std::string& command) {
   if (command.size() > kMostCommandLength || std::any_of(command.begin(), command.end(), isControlCharacter)) {
     throw UsageError("'" + command.substr(0, kMostCommandLength) + "' is not one line of the tool's");
   }
-  const std::string word = command.substr(0, command.find_first_of(" #"));
-  for (const char* unanswered : {"", "loop", "lp", "exit", "quit"}) {
-    if (strcasecmp(word.c_str(), unanswered) == 0) throw UsageError("'" + command + "' cannot be asked");
-  }
+  const Words words = splitWords(command);
+  const CmdTableEntry* const row = words.empty() ? nullptr : findCommand(words[0]);
+  const bool unanswered = row != nullptr && (row->handler == loopCmdHandler || row->handler == exitCmdHandler);
+  if (words.empty() || (unanswered && !asksForHelp(words))) throw UsageError("'" + command + "' cannot be asked");
 }
 
 }  // namespace

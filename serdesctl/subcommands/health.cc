@@ -16,10 +16,10 @@
 #include "serdesctl/formats/reports.h"
 #include "serdesctl/health/looking.h"
 #include "serdesctl/journal/journal.h"
+#include "serdesctl/rehearsal/rehearsal.h"
 #include "serdesctl/subcommands/subcommands.h"
 #include "serdesctl/tables/config_text.h"
 #include "serdesctl/tables/parse.h"
-#include "topology/serdes_topology.h"
 
 namespace serdesctl {
 namespace {
@@ -44,18 +44,14 @@ struct AskedPorts {
   Looks last;
 };
 
+// A command about the ports that the command line names, all unless told.
+Words commandAbout(const std::vector<std::string>& ports) {
+  return splitWords("showRate " + (ports.empty() ? "all" : joinedWords(ports)));
+}
+
 std::uint32_t portsOf(const HealthOptions& options, const ConfigText& config) {
-  if (options.ports.empty()) return config.glPorts | config.xgPorts | config.exgPorts;
-  Words words = {"showRate"};
-  words.insert(words.end(), options.ports.begin(), options.ports.end());
-  const auto ports = namedPorts(splitWords(joinedWords(words)), &config);
+  const auto ports = namedPorts(commandAbout(options.ports), &config);
   if (!ports) throw UsageError("'" + joinedWords(options.ports) + "' is no port list: all, gl, xg, exg, or 0-3 8");
-  const auto count = static_cast<std::uint32_t>(config.ports.size());
-  const std::uint32_t missing = *ports & ~((std::uint32_t{1} << count) - 1);
-  if (missing != 0) {
-    throw UsageError("no port " + std::to_string(std::countr_zero(missing)) + " of ASIC " +
-                     std::to_string(config.asic));
-  }
   return *ports;
 }
 
@@ -96,6 +92,7 @@ class Health {
     const std::uint32_t count = std::min(parseStart(tool_.startText()).hardware.asics, kMostAsics);
     const bool all = options_.health.ports.empty() && !options_.health.asic;
     const std::uint32_t only = options_.health.asic.value_or(0);
+    if (!options_.health.ports.empty()) refuseMissing(commandAbout(options_.health.ports), tool_, only);
     for (std::uint32_t asic = all ? 0 : only; asic < (all ? count : only + 1); ++asic) {
       try {
         AskedSwitch asked(tool_, asic);

@@ -11,7 +11,9 @@
 #include "serdesctl/base/command_words.h"
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/output.h"
+#include "serdesctl/base/text.h"
 #include "serdesctl/formats/reports.h"
+#include "serdesctl/rehearsal/rehearsal.h"
 #include "serdesctl/session/conversation.h"
 #include "serdesctl/subcommands/subcommands.h"
 #include "serdesctl/tables/answer_text.h"
@@ -20,14 +22,11 @@
 namespace serdesctl {
 namespace {
 
-bool isControl(char c) {
-  return (c >= '\0' && c < ' ') || c == '\x7f';
-}
-
 // The command's words, if it is one that shows something.
 Words wordsToShow(const std::vector<std::string>& given) {
   const std::string line = joinedWords(given);
-  if (std::any_of(line.begin(), line.end(), isControl)) throw UsageError("the command has a control character");
+  if (std::any_of(line.begin(), line.end(), isControlCharacter))
+    throw UsageError("the command has a control character");
   const Words words = splitWords(line);
   const CmdTableEntry* const row = words.empty() ? nullptr : findCommand(words[0]);
   if (row == nullptr) throw UsageError("unknown command '" + line + "'");
@@ -52,6 +51,7 @@ int performShow(const Options& options) {
   const Words words = wordsToShow(options.show.command);
   const Target target = chosenTarget(options.common);
   Conversation tool(target, Seconds(options.common.timeout));
+  refuseMissing(words, tool, options.show.asic);
   AskedSwitch asked(tool, options.show.asic);
   Shown shown = asked.ask(words);
   ParsedAnswer answer;

@@ -105,6 +105,9 @@ class Health(ProgramTest):
     def test_what_is_refused(self) -> None:
         for words, message in (
             (["30"], "no port 30 of ASIC 0"),
+            (["64"], "no port 64 of ASIC 0"),
+            (["12", "--asic", "1"], "no port 12 of ASIC 1"),
+            (["7-5"], "no ports '7-5'"),
             (["x"], "'x' is no port list"),
             (["0-"], "'0-' is no port list"),
             (["--interval", "0"], "--interval"),

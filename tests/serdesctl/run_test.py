@@ -98,7 +98,7 @@ class Running(ProgramTest):
         self.assertIn("T\u00e9", json.loads(out)["output"])
 
     def test_loop_is_ten_passes_and_its_help_is_printed(self) -> None:
-        script = "loop ?\nloop readRx 4 0 3\n"
+        script = "loop ?\nexit help\nloop readRx 4 0 3\n"
         start = time.monotonic()
         process = self.start("run", self.script(script))
         expected = plain_tool(script, self.env)
@@ -171,6 +171,7 @@ class Refusing(ProgramTest):
             "est 10G 1 1 gl": "invalid port list, ethernet only",
             "showRate 24": "no port 24 of ASIC 0",
             "showRate 20-31": "no port 24 of ASIC 0",
+            "showDFEStats 3 20-31": "no port 24 of ASIC 0",
             "clearErrors 64": "no port 64 of ASIC 0",
             "showPLL 12": "no core 12 of ASIC 0",
             "readTx 24 0 0": "no port 24 of ASIC 0",
@@ -188,10 +189,19 @@ class Refusing(ProgramTest):
             "showRate 1 #: expect 6": "status 6 is expected, and the command would not be refused",
             "showRate x #: expect 5": "status 5 is expected, and it would be 6 (invalid command parameter)",
             "showRate \0 1": "a NUL character",
+            "#: expect 4": None,
+            "#: expect 5": "no command follows the #: expect before",
+            "readRx": "status 4 is expected, and it would be 3 (too few command args)",
             "#: expect 6": "no command follows #: expect",
         }
         expected = [f"{number}: {why}" for number, why in enumerate(cases.values(), 1) if why]
         self.assertEqual(self.refused("\n".join(cases) + "\n"), expected)
+
+    def test_an_exit_that_is_to_fail(self) -> None:
+        self.assertEqual(
+            self.refused("loop exit #: expect 6\nbogus\n"),
+            ["1: status 6 is expected, and the command ends the script"],
+        )
 
     def test_scripts_that_cannot_be_read(self) -> None:
         missing = str(self.folder / "missing")

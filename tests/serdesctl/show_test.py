@@ -24,7 +24,7 @@ COMMANDS = [
     *(f"{name} 8G {ports}" for name in ("showTxParamsCache", "showRxParamsCache") for ports in ("gl", "xg", "0-7")),
     *(f"{name} 10 exg" for name in ("eshowTxParamsCache", "eshowRxParamsCache")),
     *("showPLL all", "showPLL 0-17", "readTx 0 0 1", "readRx 5 0 0xff", "readPLL 0 1", "getTest 0 0 0"),
-    *("showConfig", "help", "setRate ?", "setFFE help"),
+    *("showConfig", "help", "setRate ?", "setFFE help", "loop ?"),
 ]
 
 
@@ -44,8 +44,9 @@ class Show(ProgramTest):
                 with self.subTest(switch=switch.stem, command=command):
                     status, out, err = self.show("--json", command, switch=switch)
                     if status != 0:
-                        self.assertEqual((status, out), (1, ""), err)
-                        self.assertRegex(err, rf"\Aserdesctl: [^\n]*: (invalid|error)[^\n]*\n\Z")
+                        why = {1: "[^\n]*: (invalid|error)", 2: "no (port|core|link)"}[status]
+                        self.assertEqual(out, "")
+                        self.assertRegex(err, rf"\Aserdesctl: {why}[^\n]*\n\Z")
                         continue
                     answer = load(out)
                     self.assertEqual(answer["command"], command)
@@ -67,6 +68,23 @@ class Show(ProgramTest):
         self.assertEqual((answer["asic"], answer["records"][0]["asic"]), (1, 1))
         status, out, err = self.show("--asic", "1", "showRate 0", switch=shipped_switch("bench"))
         self.assertEqual((status, out, err), (1, "", "serdesctl: setAsicNum 1: invalid command parameter\n"))
+
+    def test_what_is_not_there_is_refused(self) -> None:
+        for command, missing in (
+            ("showRate 24", "no port 24 of ASIC 0"),
+            ("showRate 64", "no port 64 of ASIC 0"),  # the tool shows port 0
+            ("showDFEStats 3 20-31", "no port 24 of ASIC 0"),
+            ("showRate 7-5", "no ports '7-5'"),
+            ("showPLL 12", "no core 12 of ASIC 0"),
+            ("readTx 24 0 0", "no port 24 of ASIC 0"),
+            ("getTest 0 1 0", "no link 1 of port 0"),
+            ("showRate 12 --asic 1", "no port 12 of ASIC 1"),
+        ):
+            status, out, err = self.show(*command.split())
+            self.assertEqual((status, out), (2, ""), command)
+            self.assertEqual(err, f"serdesctl: {missing}\n")
+        status, out, err = self.show("showRate", "xg", switch=shipped_switch("all-gl"))
+        self.assertEqual((status, out, err), (2, "", "serdesctl: no ports 'xg' of ASIC 0\n"))
 
     def test_statistics_are_asked_for_type_by_type(self) -> None:
         records = self.shown("showDFEStats", "all")["records"]

@@ -34,7 +34,7 @@ LearntSwitch smallSwitch() {
   return learnt;
 }
 
-Verdict judged(const std::string& line) {
+Forecast judged(const std::string& line) {
   Rehearsal rehearsal(smallSwitch());
   return rehearsal.judge(splitWords(line));
 }
@@ -67,14 +67,14 @@ TEST(Rehearsal, PortsThatDoNotExistAreFoundInEveryList) {
     ++lists;
     const bool cores = std::strcmp(row->name, "showPLL") == 0;
     const std::string good = beforeList(*row) + (row->name[0] == 'e' ? " 8 9" : " 0 1");
-    Verdict verdict = judged(good);
-    EXPECT_EQ(verdict.status, CMD_OK) << good;
-    EXPECT_EQ(verdict.missing, "") << good;
-    EXPECT_EQ(verdict.changes, row->isSetCmd != 0 || std::strcmp(row->name, "clearErrors") == 0) << good;
+    Forecast forecast = judged(good);
+    EXPECT_EQ(forecast.status, CMD_OK) << good;
+    EXPECT_EQ(forecast.missing, "") << good;
+    EXPECT_EQ(forecast.changes, row->isSetCmd != 0 || std::strcmp(row->name, "clearErrors") == 0) << good;
     ASSERT_FALSE(rehearsedCalls.empty()) << good;
-    verdict = judged(good + " 12");
+    forecast = judged(good + " 12");
     if (cores) continue;  // refused by the tool
-    EXPECT_EQ(verdict.missing, "port 12 of ASIC 0") << good;
+    EXPECT_EQ(forecast.missing, "port 12 of ASIC 0") << good;
   }
   EXPECT_EQ(lists, 32U);
 }
