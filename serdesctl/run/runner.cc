@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "serdesctl/base/errors.h"
@@ -55,10 +56,11 @@ class Run {
     if (step.changes) announceFrom(index);
     const TimePoint start = Clock::now();
     StepResult result;
+    answer_.reset();
     try {
       result.status = pass(step.words, result.output);
     } catch (const std::exception& error) {
-      if (step.changes) log_.lost(error.what());
+      if (step.changes) settle(step, error.what());
       throw;
     }
     result.elapsed = Clock::now() - start;
@@ -69,6 +71,15 @@ class Run {
     }
     observer_.ended(step, result);
     return result.asExpected;
+  }
+
+  // After an error: a command may have been answered, and only its output could not be handed on.
+  void settle(const Step& step, const std::string& error) {
+    if (answer_ && loopedCommand(step.words).empty()) {
+      log_.answered(*answer_);
+    } else {
+      log_.lost(error);
+    }
   }
 
   // Before anything is sent: where changes cannot be announced, not even a question is asked.
@@ -100,6 +111,7 @@ class Run {
   CmdStatus pass(const Words& words, std::string& output) {
     if (const Words looped = loopedCommand(words); !looped.empty()) return loop(looped, output);
     const Answer answer = tool_.ask(joinedWords(words));
+    answer_ = answer.status;
     print(answer.output, output);
     return answer.status;
   }
@@ -121,6 +133,7 @@ class Run {
   std::span<const Step> steps_;
   std::size_t atOnce_;
   std::size_t announced_ = 0;
+  std::optional<CmdStatus> answer_;  // the last one to the step under way
 };
 
 }  // namespace

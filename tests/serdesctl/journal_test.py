@@ -13,6 +13,7 @@ from pathlib import Path
 from typing import Any
 
 from program import ProgramTest
+from schemas import load
 from serdes_runs import LIMIT_SECONDS
 
 CHANGES = (
@@ -30,7 +31,7 @@ class Journal(ProgramTest):
     def entries(self, *words: str) -> list[dict[str, Any]]:
         status, out, err = self.ctl("journal", "--json", *words)
         self.assertEqual((status, err), (0, ""))
-        return [json.loads(line) for line in out.splitlines()]
+        return [load(line, "journal") for line in out.splitlines()]
 
     def test_changes_and_nothing_else_are_recorded_with_their_results(self) -> None:
         self.env.update(SUDO_USER="alice", SSH_CLIENT="192.0.2.1 5 22")
@@ -100,6 +101,12 @@ class Journal(ProgramTest):
         process.communicate(timeout=LIMIT_SECONDS)
         self.assertEqual(process.returncode, 130)
         self.assertEqual([(e["result"], e["reason"]) for e in self.entries()], [("unknown", "interrupted")])
+
+    def test_an_answer_that_cannot_be_printed_is_known(self) -> None:
+        with open("/dev/full", "w") as full:
+            status, _, err = self.ctl("run", self.script("writeRx 0 0 99 1\n"), stdout=full)
+        self.assertEqual((status, err), (1, "serdesctl: standard output: No space left on device\n"))
+        self.assertEqual([(e["result"], e["status_name"]) for e in self.entries()], [("answered", "CMD_EXEC_ERROR")])
 
     def test_long_scripts_announce_many_at_once_and_drop_the_rest(self) -> None:
         script = "setRate 8G 1\n" * 49 + "setFFE FFE3 255 1 1 1 1 99\n" + "setRate 8G 1\n" * 50

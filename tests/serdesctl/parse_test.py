@@ -47,7 +47,8 @@ class Parse(ProgramTest):
                 refused = [found for found in objects if found["kind"] == "refused"]
                 self.assertEqual((status, err.count("\n")), (1 if refused else 0, len(refused)), err)
                 kinds.update(found["kind"] for found in objects)
-        self.assertEqual({path.stem for path in FOLDER.iterdir()} - kinds, {"health"}, "kinds that no case shows")
+        others = {"health", "journal", "run"}  # what subcommands of their own print
+        self.assertEqual({path.stem for path in FOLDER.iterdir()} - kinds, others, "kinds that no case shows")
 
     def test_the_page_tells_every_kind(self) -> None:
         page = (ROOT / "docs" / "records.md").read_text()
@@ -88,6 +89,13 @@ class Parse(ProgramTest):
         status, _, err = self.parse(table, "--config", file, "showVGA", "exg")
         self.assertEqual(status, 3)
         self.assertIn("which the command does not name", err)
+
+    def test_names_that_are_no_utf8(self) -> None:
+        log = self.tool("showConfig\nshowFFE 0\n").replace(b"SERDES_11G", b"SERD\xe9S_11G")
+        status, out, _ = self.parse(log)
+        config, ffe = (load(line) for line in out.splitlines()[-2:])
+        self.assertEqual((status, config["serdes_types"][2]["name"]), (0, "SERD\ufffdS_11G"))
+        self.assertEqual(ffe["records"][0]["serdes_type"], "SERD\ufffdS_11G")
 
     def test_csv_leaves_the_start_out(self) -> None:
         log = self.tool("showRate 0-3\nshowRate 5\n")

@@ -3,11 +3,11 @@
 
 from __future__ import annotations
 
-import json
 import time
 import unittest
 
 from program import ProgramTest, plain_tool
+from schemas import load
 from serdes_runs import LIMIT_SECONDS, shipped_switch
 
 GOOD = "setFFE FFE3 115 -4 55 -25 0 gl # drive\n\n# comment\n\tSHOWFFE   0\r\nreadRx 4 0 3\ndcfg\nhelp\nsetRate ?\n"
@@ -80,7 +80,7 @@ class Running(ProgramTest):
         script = self.script("readRx 0 0 1\n# nothing\nreadRx 0 0 99\nexit\n")
         status, out, err = self.ctl("run", "--json", script)
         self.assertEqual((status, err.count("\n")), (1, 1))
-        good, bad = (json.loads(line) for line in out.splitlines())
+        good, bad = (load(line, "run") for line in out.splitlines())
         self.assertRegex(good.pop("output"), r"\APort 0 .*\n\Z")
         self.assertGreater(good.pop("seconds"), 0)
         expected = dict(file=script, line=1, command="readRx 0 0 1", status=0, status_name="CMD_OK", message="")
@@ -95,7 +95,7 @@ class Running(ProgramTest):
         self.env["SERDES_SIMULATOR_SWITCH"] = switch
         status, out, _ = self.ctl("-t", "sim", "run", "--json", self.script("showConfig\n", "s"))
         self.assertEqual(status, 0)
-        self.assertIn("T\u00e9", json.loads(out)["output"])
+        self.assertIn("T\u00e9", load(out, "run")["output"])
 
     def test_loop_is_ten_passes_and_its_help_is_printed(self) -> None:
         script = "loop ?\nexit help\nloop readRx 4 0 3\n"

@@ -19,8 +19,8 @@ def validator(kind: str) -> Any:
     return jsonschema.Draft202012Validator(schema)
 
 
-def load(line: str) -> dict[str, Any]:
+def load(line: str, kind: str | None = None) -> dict[str, Any]:
     """An object of the program's, which keeps to the schema of its kind."""
     answer: dict[str, Any] = json.loads(line)
-    validator(answer["kind"]).validate(answer)
+    validator(kind or answer["kind"]).validate(answer)
     return answer
