@@ -2,7 +2,7 @@
 #include "serdesctl/options.h"
 
 #include <array>
-#include <cstdio>
+#include <memory>
 #include <span>
 
 #include <CLI/CLI.hpp>
@@ -10,6 +10,7 @@
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/output.h"
 #include "serdesctl/base/waiting.h"
+#include "serdesctl/help_text.h"
 #include "serdesctl/subcommands/subcommands.h"
 
 namespace serdesctl {
@@ -133,6 +134,25 @@ constexpr const char* kFooter =
     "  5    locked: somebody else works on the switch\n"
     "  130  interrupted";
 
+// The program with these subcommands, filled by parsing into `options`, which must outlive it.
+std::unique_ptr<CLI::App> buildApp(std::span<const Subcommand> rows, Options& options) {
+  auto app = std::make_unique<CLI::App>(kDescription, "serdesctl");
+  app->formatter(std::make_shared<HelpText>());
+  app->footer(kFooter);
+  app->set_help_flag("-h,--help", "Print this help");
+  app->set_version_flag("--version", "serdesctl " SERDESCTL_VERSION, "Print the version");
+  app->require_subcommand(0, 1);
+  app->option_defaults()->take_last();  // so that an alias can have its own and be overruled
+  app->fallthrough();                   // the common options may stand behind the subcommand too
+  addCommonOptions(*app, options.common);
+  for (const Subcommand& row : rows) {
+    CLI::App& subcommand = *app->add_subcommand(row.name, row.description);
+    subcommand.footer("Options for all subcommands: serdesctl --help");
+    row.addOptions(subcommand, options);
+  }
+  return app;
+}
+
 // CLI11's own words for a word too many do not name it.
 [[noreturn]] void refuse(const CLI::App& app, const CLI::ParseError& error) {
   const auto unknown = app.remaining(true);
@@ -176,27 +196,10 @@ bool parse(CLI::App& app, int argc, char* argv[]) {
 
 }  // namespace
 
-std::unique_ptr<CLI::App> buildApp(Options& options) {
-  auto app = std::make_unique<CLI::App>(kDescription, "serdesctl");
-  app->footer(kFooter);
-  app->set_help_flag("-h,--help", "Print this help");
-  app->set_version_flag("--version", "serdesctl " SERDESCTL_VERSION, "Print the version");
-  app->require_subcommand(0, 1);
-  app->option_defaults()->take_last();  // so that an alias can have its own and be overruled
-  app->fallthrough();                   // the common options may stand behind the subcommand too
-  addCommonOptions(*app, options.common);
-  for (const Subcommand& row : kSubcommands) {
-    CLI::App& subcommand = *app->add_subcommand(row.name, row.description);
-    subcommand.footer("Options for all subcommands: serdesctl --help");
-    row.addOptions(subcommand, options);
-  }
-  return app;
-}
-
 int runCommandLine(int argc, char* argv[]) {
   Options options;
   const SignalWatch watch;
-  const auto app = buildApp(options);
+  const auto app = buildApp(kSubcommands, options);
   if (parse(*app, argc, argv)) return kDone;
   for (const Subcommand& row : kSubcommands) {
     if (app->got_subcommand(row.name)) return row.perform(options);

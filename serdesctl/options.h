@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -79,10 +78,6 @@ struct Subcommand {
   void (*addOptions)(CLI::App& app, Options& options);
   int (*perform)(const Options& options);
 };
-
-// The program with all its options, filled by parsing into `options`, which must outlive it. Manual and completion are
-// made from it too.
-std::unique_ptr<CLI::App> buildApp(Options& options);
 
 // Parses the command line and runs the subcommand it names. Throws UsageError.
 int runCommandLine(int argc, char* argv[]);

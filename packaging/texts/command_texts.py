@@ -60,6 +60,13 @@ class Entries:
                 raise Mistake(f'{self.path}: nothing is called "{key}"')
         return [(key, *self.entries[key]) for key in keys]
 
+    def take_if_any(self, key: str) -> str:
+        """The text of an entry that need not be there; what is left in the end was nobody's."""
+        return self.entries.pop(key, ("", ""))[1]
+
+    def none_left(self) -> None:
+        self.take([])
+
 
 def word_bounds(row: Table) -> str:
     least, most = row["minArgs"], row["maxArgs"]
@@ -97,8 +104,19 @@ def keyword_list(keywords: list[str]) -> str:
     return " ,\n".join(macros[:-1]) + "\nor\n" + macros[-1]
 
 
-def manual(table: Table, template: Path, command_prose: Path, status_prose: Path, given: list[str]) -> str:
+def filled(template: Path, replacements: dict[str, str]) -> str:
     """The template with each "@NAME@" replaced, lists and chapters on a line of their own."""
+    text = template.read_text(encoding="ascii")
+    for name, value in replacements.items():
+        if f"@{name}@" not in text:
+            raise Mistake(f"{template}: @{name}@ is missing")
+        text = text.replace(f"@{name}@", value)
+    if unknown := re.search(r"@[A-Z_]+@", text):
+        raise Mistake(f"{template}: unknown: {unknown.group()}")
+    return text
+
+
+def manual(table: Table, template: Path, command_prose: Path, status_prose: Path, given: list[str]) -> str:
     keywords, limits = table["keywords"], table["limits"]
     replacements = {
         "COMMANDS": command_chapter(table, Entries(command_prose)),
@@ -114,14 +132,7 @@ def manual(table: Table, template: Path, command_prose: Path, status_prose: Path
         "VERSION": table["version"],
         **dict(pair.split("=", 1) for pair in given),
     }
-    text = template.read_text(encoding="ascii")
-    for name, value in replacements.items():
-        if f"@{name}@" not in text:
-            raise Mistake(f"{template}: @{name}@ is missing")
-        text = text.replace(f"@{name}@", value)
-    if unknown := re.search("@.{0,20}", text):
-        raise Mistake(f"{template}: unknown: {unknown.group()}")
-    return text
+    return filled(template, replacements)
 
 
 def main() -> None:
