@@ -2,15 +2,12 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <csignal>
-#include <cstdio>
 #include <exception>
 #include <new>
-#include <string>
 
 #include "serdesctl/base/errors.h"
-#include "serdesctl/base/files.h"
+#include "serdesctl/base/output.h"
 #include "serdesctl/options.h"
 
 namespace {
@@ -22,10 +19,6 @@ void occupyClosedDescriptors() {
     if (fcntl(descriptor, F_GETFD) != -1) continue;
     (void)open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
   }
-}
-
-void complain(const std::string& what) {
-  (void)serdesctl::writeAll(STDERR_FILENO, "serdesctl: " + what + "\n");
 }
 
 // Ends this process by the signal, as if it had never been handled.
@@ -44,12 +37,12 @@ int main(int argc, char* argv[]) {
   } catch (const serdesctl::ReaderLeft&) {
     return endBySignal(SIGPIPE);
   } catch (const serdesctl::Error& error) {
-    complain(error.what());
+    serdesctl::complain(error.what());
     return error.exitStatus();
   } catch (const std::bad_alloc&) {
-    complain("no memory");
+    serdesctl::complain("no memory");
   } catch (const std::exception& error) {
-    complain(error.what());
+    serdesctl::complain(error.what());
   }
   return serdesctl::kFailed;
 }

@@ -39,4 +39,8 @@ void Output::flush() {
   }
 }
 
+void complain(const std::string& what) {
+  (void)writeAll(STDERR_FILENO, "serdesctl: " + what + "\n");
+}
+
 }  // namespace serdesctl

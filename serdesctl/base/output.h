@@ -1,5 +1,5 @@
 // Standard output for programs that read it: written whole or an error, and never through stdio, whose stream belongs
-// to the rehearsed handlers.
+// to the rehearsed handlers. And standard error.
 #pragma once
 
 #include <string>
@@ -20,5 +20,8 @@ class Output {
   int descriptor_;
   std::string waiting_;
 };
+
+// A line on standard error: "serdesctl: WHAT". Nobody can be told when that fails.
+void complain(const std::string& what);
 
 }  // namespace serdesctl

@@ -154,11 +154,15 @@ void judgeLinks(PortHealth& port, const PortLook& now, bool twoLooks) {
   port.ap = worst->ap;
 }
 
+bool hasCounts(const PortLook& look) {
+  return !look.links.empty() && hasValues(look.links.front());
+}
+
 void fillErrors(PortHealth& port, const PortLook& now, const PortLook* before) {
-  if (now.links.empty() || !hasValues(now.links.front())) return;
+  if (!hasCounts(now)) return;
   port.decodeErrors = now.links.front().decodeErrors;
   port.crcErrors = now.links.front().crcErrors;
-  if (before == nullptr || before->links.empty() || !hasValues(before->links.front())) return;
+  if (before == nullptr) return;
   const double seconds = now.atS - before->atS;
   port.decodeErrorRate = errorRate(*before->links.front().decodeErrors, *port.decodeErrors, seconds);
   port.crcErrorRate = errorRate(*before->links.front().crcErrors, *port.crcErrors, seconds);
@@ -172,6 +176,7 @@ const char* verdictName(Verdict verdict) {
 }
 
 PortHealth judge(const PortPlace& place, const PortLook& now, const PortLook* before) {
+  if (before != nullptr && !hasCounts(*before)) before = nullptr;
   PortHealth port;
   port.place = place;
   port.runningRate = now.runningRate;

@@ -110,6 +110,7 @@ void JournalFile::append(std::string_view lines, bool onDisk) {
 
 // Opens the file, if it is not open, and locks it; gives its size. Others may give its name to another file meanwhile.
 std::size_t JournalFile::openLocked() {
+  if (folder_.empty()) throw WriteError("no folder for the journal: neither XDG_STATE_HOME nor HOME is set");
   for (;;) {
     if (!file_.isOpen()) {
       file_.reset(::open(name_.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0644));
@@ -181,7 +182,6 @@ std::string journalFolder() {
   if (::geteuid() == 0) (void)::mkdir(kSystemFolder, 0755);
   if (isWritable(kSystemFolder)) return kSystemFolder;
   std::string folder = userFolder();
-  if (folder.empty()) throw WriteError("no folder for the journal: neither XDG_STATE_HOME nor HOME is set");
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   return folder;

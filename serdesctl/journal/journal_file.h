@@ -22,6 +22,7 @@ struct JournalBounds {
 
 class JournalFile {
  public:
+  // Without a folder nothing can be appended.
   JournalFile(std::string folder, Notice notice, JournalBounds bounds = {});
 
   // Appends whole lines; `onDisk` waits until the disk has them. A half line that a killed writer left is cut off
@@ -45,7 +46,7 @@ class JournalFile {
 // The lines of a folder's journal, oldest first. A torn last one is left out, with a notice; no journal is no line.
 std::vector<std::string> readJournal(const std::string& folder, const Notice& notice);
 
-// Where this process writes its journal; made if need be. Throws WriteError.
+// Where this process writes its journal; made if need be. Empty when there is no place.
 std::string journalFolder();
 
 // All the folders in which this user's entries may be.

@@ -1,11 +1,13 @@
 // Reading and checking scripts.
 #include "serdesctl/run/script.h"
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 #include <string_view>
 
 #include "serdesctl/base/errors.h"
+#include "serdesctl/base/text.h"
 #include "shell/command_reader.h"
 
 namespace serdesctl {
@@ -60,6 +62,8 @@ class Reader {
     if (line.find('\0') != std::string_view::npos) return refuse("a NUL character");
     Step step = newStep();
     step.words = splitWords(std::string(line));
+    const std::string command = step.command();
+    if (std::any_of(command.begin(), command.end(), isControlCharacter)) return refuse("a control character");
     if (step.words.size() > static_cast<std::size_t>(kMaxWords)) {
       return refuse("more than " + std::to_string(kMaxWords) + " words");
     }
@@ -138,6 +142,14 @@ std::string refusal(const Step& step, const Forecast& forecast) {
   return expected + "it would be " + std::to_string(forecast.status) + " (" + statusMessage(forecast.status) + ")";
 }
 
+// A change is told by the journal together with the ASIC that was selected for it.
+void journalSelections(Script& steps) {
+  if (std::none_of(steps.begin(), steps.end(), [](const Step& step) { return step.changes; })) return;
+  for (Step& step : steps) {
+    if (!step.words.empty() && selectedAsic(step.words)) step.changes = true;
+  }
+}
+
 }  // namespace
 
 std::string Step::command() const {
@@ -176,6 +188,7 @@ CheckedScripts checkScripts(const std::vector<Script>& scripts, Rehearsal& rehea
       checked.steps.back().changes = forecast.changes;
     }
   }
+  journalSelections(checked.steps);
   return checked;
 }
 

@@ -21,7 +21,7 @@ struct Step {
   Words words;
   CmdStatus expected = CMD_OK;
   Seconds pause{0};
-  bool changes = false;  // the hardware, as rehearsed
+  bool changes = false;  // the hardware, as rehearsed, or which ASIC is meant by other changes
 
   std::string command() const;
   std::string place() const;  // "FILE:LINE"

@@ -28,10 +28,6 @@ constexpr std::uint32_t kMostAsics = 2;  // that the tool can select
 
 using Looks = std::map<std::uint32_t, PortLook>;
 
-void complain(const std::string& text) {
-  (void)writeAll(STDERR_FILENO, "serdesctl: " + text + "\n");
-}
-
 double secondsNow() {
   return std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
 }

@@ -57,7 +57,7 @@ std::string firstTime(const std::string& word) {
 }
 
 std::vector<JournalEntry> allEntries() {
-  const Notice notice = [](const std::string& text) { (void)writeAll(STDERR_FILENO, "serdesctl: " + text + "\n"); };
+  const Notice notice = complain;
   std::vector<JournalEntry> entries;
   for (const std::string& folder : journalFolders()) {
     std::vector<JournalEntry> found = readEntries(readJournal(folder, notice), notice);

@@ -27,8 +27,8 @@ std::vector<ConfigText> readConfigs(const std::string& file) {
 
 std::string refusal(const ParsedAnswer& answer) {
   const std::string command = answer.command.empty() ? "line " + std::to_string(answer.place.line) : answer.command;
-  return "serdesctl: " + command + ": " + statusMessage(answer.status) +
-         (answer.complaint.empty() ? "" : " (" + answer.complaint + ")") + "\n";
+  return command + ": " + statusMessage(answer.status) +
+         (answer.complaint.empty() ? "" : " (" + answer.complaint + ")");
 }
 
 }  // namespace
@@ -50,7 +50,7 @@ int performParse(const Options& options) {
   output.flush();
   const auto refused = [](const ParsedAnswer& answer) { return answer.status != CMD_OK; };
   for (const ParsedAnswer& answer : answers) {
-    if (refused(answer)) (void)writeAll(STDERR_FILENO, refusal(answer));
+    if (refused(answer)) complain(refusal(answer));
   }
   return std::any_of(answers.begin(), answers.end(), refused) ? kFailed : kDone;
 }

@@ -18,7 +18,8 @@
 namespace serdesctl {
 namespace {
 
-void complain(const std::string& line) {
+// "FILE:LINE: what", which editors know.
+void tellProblem(const std::string& line) {
   (void)writeAll(STDERR_FILENO, line + "\n");
 }
 
@@ -49,7 +50,7 @@ class TextReport : public RunObserver {
   void ended(const Step& step, const StepResult& result) override {
     output_.write(std::string(statusMessage(result.status)) + "\n\n");
     output_.flush();
-    if (!result.asExpected) complain(failure(step, result));
+    if (!result.asExpected) tellProblem(failure(step, result));
   }
 
  private:
@@ -75,7 +76,7 @@ class JsonReport : public RunObserver {
                                      {"seconds", result.elapsed.count()}};
     output_.write(object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n");
     output_.flush();
-    if (!result.asExpected) complain(failure(step, result));
+    if (!result.asExpected) tellProblem(failure(step, result));
   }
 
  private:
@@ -106,7 +107,7 @@ CheckedScripts checkWithoutSwitch(const std::vector<Script>& scripts) {
 
 int report(const CheckedScripts& checked) {
   for (const std::string& problem : checked.problems)
-    complain(problem);
+    tellProblem(problem);
   return checked.problems.empty() ? kDone : kRefused;
 }
 
@@ -121,7 +122,7 @@ int runOn(const Target& target, const Options& options, const std::vector<Script
   } else {
     observer = std::make_unique<TextReport>(output, options.run.echo);
   }
-  JournalFile file(journalFolder(), [](const std::string& text) { complain("serdesctl: " + text); });
+  JournalFile file(journalFolder(), complain);
   RunJournal log(std::move(file), target.name, options.common.syslog);
   const bool good = runSteps(checked.steps, options.run.keepGoing, tool, *observer, log);
   closeTool(tool, target);

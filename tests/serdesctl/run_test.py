@@ -189,6 +189,7 @@ class Refusing(ProgramTest):
             "showRate 1 #: expect 6": "status 6 is expected, and the command would not be refused",
             "showRate x #: expect 5": "status 5 is expected, and it would be 6 (invalid command parameter)",
             "showRate \0 1": "a NUL character",
+            "setRate ? \x01": "a control character",
             "#: expect 4": None,
             "#: expect 5": "no command follows the #: expect before",
             "readRx": "status 4 is expected, and it would be 3 (too few command args)",

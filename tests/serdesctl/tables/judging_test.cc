@@ -107,6 +107,16 @@ TEST(Judging, TwoLooksTellWhetherErrorsGoOn) {
             "dead: no lock: the eye is closed (Amin -5 of Ap 78) and nothing is counted");
 }
 
+TEST(Judging, AFirstLookThatToldNothingIsNone) {
+  const DfeStats now = link(50, 78, exactly(7));
+  for (const PortLook& before : {running({}, 10), running({DfeStats{}}, 10)}) {
+    const PortLook second = running({now}, 12);
+    EXPECT_EQ(verdictOn(second, &before),
+              "marginal: 7 decode and 0 CRC errors since they were cleared, Amin 50 of Ap 78");
+    EXPECT_FALSE(judge({}, second, &before).decodeErrorRate);
+  }
+}
+
 TEST(Judging, RatesHaveBounds) {
   const PortLook before = running({link(50, 78, about(10, 30))}, 1);
   const PortHealth port = judge({}, running({link(50, 78, exactly(40))}, 3), &before);
