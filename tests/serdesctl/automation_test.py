@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the recipes of docs/automation.md.
+"""Runs the recipes of docs/automation.md, and what the README shows of serdesctl.
 
 A fenced block is a file where its first line names one behind the language; `toml` is targets.toml, `sh` is run, a `cron`
 line is run without its five fields, and a block without a language is what was printed, where three dots stand for
@@ -36,6 +36,7 @@ def matches(expected: str, printed: str) -> bool:
     return re.fullmatch("".join(lines), printed) is not None
 
 
+@unittest.skipUnless(shutil.which("jq"), "no jq here: scripts/install-dependencies jq")
 class Recipes(ProgramTest):
     def setUp(self) -> None:
         super().setUp()
@@ -77,7 +78,6 @@ class Recipes(ProgramTest):
         )
         return done.stdout + (f"status {done.returncode}\n" if done.returncode else "")
 
-    @unittest.skipUnless(shutil.which("jq"), "no jq here")
     def test_every_recipe_does_what_the_page_says(self) -> None:
         recipes = RECIPE.findall(PAGE.read_text(encoding="utf-8"))
         self.assertEqual(len(recipes), 10)
@@ -95,6 +95,18 @@ class Recipes(ProgramTest):
                     with self.subTest(title):
                         self.assertTrue(matches(block, printed), f"\n{block}---\n{printed}")
             self.assertTrue(compared, title)
+
+    def test_the_readme_begins_with_health(self) -> None:
+        text = (ROOT / "README.md").read_text(encoding="utf-8").partition("\n## Automate\n")[2].partition("\n## ")[0]
+        first, shown, more = (block for _, _, block in BLOCK.findall(text))
+        command = first.splitlines()[-1].removeprefix("scripts/")
+        printed = self.shell(command)
+        self.assertTrue(matches(shown + "status 1\n", printed), printed)
+        for command in more.splitlines():
+            with self.subTest(command):
+                self.assertNotIn(
+                    "status", self.shell(f"cd {ROOT} && " + command.removeprefix("scripts/").partition("#")[0])
+                )
 
 
 if __name__ == "__main__":
