@@ -8,6 +8,7 @@ where the two differ much, the machine was too busy.
 """
 import array
 import hashlib
+import json
 import os
 import pathlib
 import pty
@@ -24,10 +25,13 @@ TOOL = BUILD / "tool/serdes"
 STATIC = BUILD / "serdes_static"
 LAST_ROW = BUILD / "serdes_setFFE_last"
 FLOOR = BUILD / "floor"
+AUTOMATION = BUILD / "automation"  # serdesctl, the tool and the simulated switch, as installed
+CTL_STATIC = BUILD / "automation-static/serdesctl"
 
 PORTS, LINKS, REGISTERS = 24, 4, 32
 DUMPS = 1303  # the first number of dumps with more than four million cells
 LINES = 200_000
+CTL_LINES = 10_000  # one by one at the prompt
 PROMPT = b"serdes: "
 
 missed: list[str] = []  # aims
@@ -60,11 +64,11 @@ def agree(what: str, results: Mapping[str, object]) -> None:
     print(f"{what}: {', '.join(results)} put out the same", file=sys.stderr)
 
 
-def cost(command: Command, buffer: bytearray = bytearray(1 << 20)) -> float:
-    """Seconds of user and system time of one run into a pipe."""
+def cost(command: Command, env: Mapping[str, str], buffer: bytearray = bytearray(1 << 20)) -> float:
+    """Seconds of user and system time of one run into a pipe, its child processes included."""
     reading, writing = os.pipe()
     actions = [(os.POSIX_SPAWN_DUP2, writing, 1), (os.POSIX_SPAWN_CLOSE, writing), (os.POSIX_SPAWN_CLOSE, reading)]
-    pid = os.posix_spawnp(command[0], words_of(command), environment(), file_actions=actions)
+    pid = os.posix_spawnp(command[0], words_of(command), env, file_actions=actions)
     os.close(writing)
     while os.readv(reading, [buffer]):
         pass
@@ -75,12 +79,20 @@ def cost(command: Command, buffer: bytearray = bytearray(1 << 20)) -> float:
     return float(usage.ru_utime + usage.ru_stime)
 
 
-def compare(title: str, contestants: Mapping[str, Command], rounds: int, base: str, aims: Mapping[str, float]) -> None:
+def compare(
+    title: str,
+    contestants: Mapping[str, Command],
+    rounds: int,
+    base: str,
+    aims: Mapping[str, float],
+    env: Mapping[str, str] | None = None,
+) -> None:
     """Prints the contestants' costs, each beside that of `base`. `aims` are the greatest ratios wanted."""
+    env = env or environment()
     costs: dict[str, list[float]] = {name: [] for name in contestants}
     for _ in range(rounds):
         for name, command in contestants.items():
-            costs[name].append(cost(command))
+            costs[name].append(cost(command, env))
     print(f"\n### {title}\n")
     print(f"| least of {rounds} rounds | ms | of {base} | median of rounds | aim |\n|---|---|---|---|---|")
     for name, runs in costs.items():
@@ -328,7 +340,75 @@ def growth(work: pathlib.Path) -> None:
     )
 
 
-BENCHMARKS = {"dump": dump, "commands": commands, "start": start, "memory": memory, "growth": growth}
+def automation(work: pathlib.Path) -> None:
+    """serdesctl beside the tool alone, on the simulated switch."""
+    tool, ctl = AUTOMATION / "serdes", AUTOMATION / "serdesctl"
+    # The libraries are found from the binaries; the journal is written where a user's would be.
+    env = environment(LD_LIBRARY_PATH="", SERDESCTL_JOURNAL=str(work / "journal"), HOME=str(work))
+
+    def printed(*command: str | os.PathLike[str]) -> bytes:
+        return output(*command, **env)
+
+    def answers(script: pathlib.Path) -> bytes:
+        """What the tool alone answers, without its start and its end."""
+        return printed(tool, script).partition(b"current asicNum:")[2].split(b"\n", 2)[2].removesuffix(b"\n\n")
+
+    show = "showTxParams all"
+    (work / "show").write_text(show + "\n")
+    table = answers(work / "show")
+    records = json.loads(printed(ctl, "-t", "sim", "show", "--json", *show.split()))["records"]
+    columns = next(line for line in table.splitlines() if line.startswith(b"link num"))
+    agree("show", {"links of the table": len(columns.split()) - 2, "links of the records": len(records)})
+    compare(
+        f"A table of {len({record['port'] for record in records})} ports: `{show}`",
+        {"serdes": [tool, work / "show"], "serdesctl show --json": [ctl, "-t", "sim", "show", "--json", *show.split()]},
+        100,
+        "serdes",
+        {"serdesctl show --json": 2.0},
+        env,
+    )
+
+    (work / "set").write_text(
+        "".join(f"setFFE FFE{2 + i % 3} 115 0 {i % 40} {-(i % 20)} 0 {i % 16}\n" for i in range(CTL_LINES))
+    )
+    (work / "read").write_text("".join(f"readRx {i % 16} 0 {i % 8}\n" for i in range(CTL_LINES)))
+    aims = {"set": {"serdesctl run": 2.5}}
+    for name in ("set", "read"):
+        run: Command = [ctl, "-t", "sim", "run", work / name]
+        agree(f"run, {name}", {"serdes": answers(work / name), "serdesctl run": printed(*run)})
+        first = (work / name).read_text().split()[0]
+        compare(
+            f"A script of {CTL_LINES} lines of `{first}`",
+            {"serdes": [tool, work / name], "serdesctl run": run},
+            5,
+            "serdes",
+            aims.get(name, {}),
+            env,
+        )
+
+    agree("version", {"serdesctl": printed(ctl, "--version"), "static serdesctl": printed(CTL_STATIC, "--version")})
+    compare(
+        "Start to exit of serdesctl, `--version`",
+        {
+            "static serdesctl": [CTL_STATIC, "--version"],
+            "serdesctl": [ctl, "--version"],
+            "busybox true": ["busybox", "true"],
+        },
+        300,
+        "busybox true",
+        {"static serdesctl": 3.0},
+        env,
+    )
+
+
+BENCHMARKS = {
+    "dump": dump,
+    "commands": commands,
+    "start": start,
+    "memory": memory,
+    "growth": growth,
+    "automation": automation,
+}
 
 if __name__ == "__main__":
     names = sys.argv[2:] or BENCHMARKS

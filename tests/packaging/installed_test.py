@@ -6,6 +6,7 @@ for ARCHITECTURE among them.
 Runs as root, where mounts and processes are let go of afterwards: scripts/test-package sees to that.
 """
 import gzip
+import json
 import os
 import shutil
 import subprocess
@@ -376,6 +377,94 @@ class Completion(Installed):
             terminal.wait_for(r"\n%serdes-prompt factory.serdes \|")
 
 
+class Serdesctl(Installed):
+    """The companion program, as somebody who automates uses it."""
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        install("serdesctl")
+
+    @classmethod
+    def tearDownClass(cls):
+        remove("serdesctl")
+        super().tearDownClass()
+
+    def ctl(self, *words, stdin=""):
+        done = run("serdesctl", *words, stdin=stdin)
+        return done.returncode, done.stdout, done.stderr
+
+    def test_files_are_in_place(self):
+        files = check("dpkg", "--listfiles", "serdesctl").splitlines()
+        for path in (
+            "bin/serdesctl",
+            "share/man/man1/serdesctl.1.gz",
+            "share/bash-completion/completions/serdesctl",
+            "share/serdesctl/schemas/health.json",
+            "share/serdesctl/jc/serdes.py",
+            "share/serdesctl/examples/targets.toml",
+            "share/doc/serdesctl/automation.md",
+            "share/doc/serdesctl/records.md",
+        ):
+            self.assertIn(f"/usr/{path}", files)
+
+    def test_health_of_every_switch(self):
+        for switch, ports in {"default": 35, "awkward": 20, "faulty": 11}.items():
+            with self.subTest(switch):
+                status, out, err = self.ctl("-t", f"sim:/usr/share/serdes/switches/{switch}.toml", "health", "--json")
+                self.assertEqual(status, 1, err)
+                self.assertEqual(len(json.loads(out)["records"]), ports)
+
+    def test_show_gives_records(self):
+        status, out, err = self.ctl("-t", "sim", "show", "showSlew", "0-3")
+        self.assertEqual((status, err), (0, ""))
+        answer = json.loads(out)
+        self.assertEqual((answer["kind"], [record["port"] for record in answer["records"]]), ("slew", [0, 1, 2, 3]))
+
+    def test_the_example_is_checked_run_and_in_the_journal(self):
+        example = "/usr/share/serdesctl/examples/check-and-tune.serdes"
+        self.assertEqual(self.ctl("run", "--check", "--offline", example), (0, "", ""))
+        status, out, err = self.ctl("-t", "sim", "run", "--json", example)
+        self.assertEqual((status, err), (0, ""))
+        statuses = [json.loads(line)["status"] for line in out.splitlines()]
+        self.assertEqual(statuses, [0, 6, 0, 0, 0])
+        status, out, err = self.ctl("journal", "-t", "sim", "--json")
+        self.assertEqual((status, err), (0, ""))
+        entries = [json.loads(line) for line in out.splitlines()]
+        self.assertEqual([entry["command"].split()[0] for entry in entries[-2:]], ["setTxParams", "clearErrors"])
+        self.assertTrue((ROOT / "var/lib/serdesctl/journal.jsonl").is_file())
+
+    def test_what_is_wrong_is_said_in_a_line(self):
+        self.assertEqual(self.ctl("-t", "sim", "run", "-", stdin="bogus\n"), (2, "", "-:1: unknown command 'bogus'\n"))
+        status, out, err = self.ctl("-t", "sim", "run", "-", stdin="writeRx 0 0 99 1\n")
+        self.assertEqual((status, err), (1, "-:1: writeRx 0 0 99 1: error during command execution\n"))
+        status, out, err = self.ctl("-t", "rack7", "health")
+        self.assertEqual((status, err.count("\n")), (2, 1))
+
+    def test_without_the_tool_it_says_so(self):
+        tool = ROOT / "usr/bin/serdes"
+        tool.rename(ROOT / "root/lab/serdes")
+        try:
+            status, out, err = self.ctl("show", "showRate", "0")
+        finally:
+            (ROOT / "root/lab/serdes").rename(tool)
+        self.assertEqual((status, out, err), (3, "", "serdesctl: cannot run serdes: not found in PATH\n"))
+
+    def completed(self, typed, pattern):
+        with at_terminal(*SHELL, folder="/usr/share/serdes", HISTFILE="") as terminal:
+            terminal.type("PS1='%'; . /usr/share/bash-completion/completions/serdesctl\r")
+            terminal.wait_for("\n%")
+            terminal.type(typed + "|")
+            terminal.wait_for(pattern)
+
+    def test_completion(self):
+        self.completed("serdesctl hea\t", r"\n%serdesctl health \|")
+        self.completed("serdesctl run --ch\t", r"\n%serdesctl run --check \|")
+        self.completed("serdesctl run exa\ttu\t", r"\n%serdesctl run examples/tune.serdes \|")
+        self.completed("serdesctl -t sim:sw\taw\t", r"\n%serdesctl -t sim:switches/awkward.toml \|")
+        self.completed("serdesctl --state=com\t", r"\n%serdesctl --state=commands.json \|")
+
+
 class Removal(unittest.TestCase):
     def paths(self):
         """All paths of the root but what package tools keep for themselves."""
@@ -384,13 +473,15 @@ class Removal(unittest.TestCase):
 
     def test_nothing_stays_behind(self):
         before = self.paths()
-        for name in ("serdes", "serdes-simulator"):
+        for name in ("serdes", "serdes-simulator", "serdesctl"):
             install(name)
         self.assertGreater(len(self.paths()), len(before) + 10)
         check("serdes", "/dev/null")
-        for name in ("serdes", "serdes-simulator"):
+        check("serdesctl", "-t", "sim", "run", "-", stdin="clearErrors 0\n")
+        for name in ("serdesctl", "serdes", "serdes-simulator"):
             remove(name)
         self.assertEqual(self.paths() ^ before, set())
+        self.assertFalse((ROOT / "var/lib/serdesctl").exists())
 
     def test_either_can_be_removed_alone(self):
         for name in ("serdes", "serdes-simulator"):

@@ -63,7 +63,7 @@ class InstalledTree(unittest.TestCase):
     def test_everything_that_the_packages_take_is_there(self) -> None:
         wanted = [
             line
-            for package in ("serdes", "serdes-simulator")
+            for package in ("serdes", "serdes-simulator", "serdesctl")
             for line in (SOURCE / f"packaging/debian/{package}.install").read_text(encoding="ascii").split()
         ]
         self.assertGreater(len(wanted), 8)
@@ -72,11 +72,22 @@ class InstalledTree(unittest.TestCase):
                 # The folder of the architecture is Debian's.
                 here = pattern.replace("usr/lib/*/", "lib*/**/").removeprefix("usr/")
                 self.assertTrue(list(self.tree.glob(here)))
-        for document in ("README.md", "choices.md"):
-            self.assertTrue((self.tree / "share/doc/serdes" / document).is_file())
+        for document in ("serdes/README.md", "serdes/choices.md", "serdesctl/records.md", "serdesctl/automation.md"):
+            self.assertTrue((self.tree / "share/doc" / document).is_file())
 
     def test_the_binary_is_the_one_that_was_built(self) -> None:
         self.assertEqual((self.bin / "serdes").read_bytes(), SERDES.read_bytes())
+
+    @unittest.skipIf(EMULATOR, "starts the tool without the emulator")
+    def test_serdesctl_finds_the_tool_and_the_simulated_switch_of_the_tree(self) -> None:
+        journal = self.folder / "journal"
+        script = self.tree / "share/serdesctl/examples/check-and-tune.serdes"
+        done = run(*EMULATOR, self.bin / "serdesctl", "-t", "sim", "run", script, SERDESCTL_JOURNAL=str(journal))
+        self.assertIn(
+            "ffe mode", run(*EMULATOR, self.bin / "serdesctl", "-t", "sim", "show", "--text", "showFFE", "2").stdout
+        )
+        self.assertIn("Amin                  26 \n", done.stdout)
+        self.assertIn("clearErrors 2", (journal / "journal.jsonl").read_text(encoding="utf-8"))
 
     def test_the_example_scripts_run_on_the_simulated_switch_of_the_tree(self) -> None:
         for script in (self.tree / "share/serdes/examples").iterdir():

@@ -18,7 +18,7 @@ SOURCE, BUILD, SERDES = Path(os.environ["SOURCE"]), Path(os.environ["BUILD"]), P
 SCRIPTS = SOURCE / "scripts"
 LIMIT_SECONDS = 60
 # Installed besides what the packages are built with.
-BESIDES = {"g++", "libgtest-dev", "python3-pyte", "python3-jsonschema", "jc"}
+BESIDES = {"g++", "libgtest-dev", "python3-pyte", "python3-jsonschema", "jc", "jq"}
 
 
 def run(*command: str | Path, **options: Any) -> subprocess.CompletedProcess[str]:
@@ -107,6 +107,22 @@ class Run(Tree):
         self.stand_in("scripts/build", status=1)
         done = run(self.root / "scripts/run", "/dev/null")
         self.assertEqual((done.returncode, done.stdout), (1, ""))
+
+
+class Serdesctl(Tree):
+    def serdesctl(self, status: int = 0) -> subprocess.CompletedProcess[str]:
+        self.copy("serdesctl")
+        self.stand_in("scripts/build", status)
+        self.stand_in("build/serdesctl")
+        return run(self.root / "scripts/serdesctl", "-t", "sim", "run", "my script", cwd="/")
+
+    def test_it_is_built_with_the_tool_and_gets_its_arguments(self) -> None:
+        self.assertEqual(self.serdesctl().returncode, 0)
+        self.assertEqual(self.called(), ["scripts/build serdesctl serdes", "build/serdesctl -t sim run my script"])
+
+    def test_a_build_that_fails_runs_nothing(self) -> None:
+        self.assertEqual(self.serdesctl(status=1).returncode, 1)
+        self.assertEqual(self.called(), ["scripts/build serdesctl serdes"])
 
 
 class Build(Tree):
