@@ -125,7 +125,7 @@ Arrival arrivalOf(const Transmitter& transmitter, const Channel& channel, const 
   for (unsigned k = 0; k < tables.bins; ++k) {
     const double f = k * step;
     const ReceiveFilters::Point filter = filters.at(f);
-    band += filter.power;
+    band += k == 0 ? filter.power / 2 : filter.power;
 
     const double rootF = tables.root[k] * rootStep;
     const double edge = edgeNepers * k * k;

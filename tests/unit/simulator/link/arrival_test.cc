@@ -22,6 +22,21 @@ TEST(Arrival, IsTheProductOfItsPartsAndTheBit) {
     ASSERT_NEAR(arrival.samples[i], expected[i], 1e-6) << i;
 }
 
+// A sum over bins is the integral only if 0 GHz counts half; an echo, which makes the bins finer, changes no noise.
+TEST(Arrival, NoiseBandIsTheIntegralHoweverLongThePeriod) {
+  for (const int peak : {0, 3, 7}) {
+    const Receiver receiver{.pole = 5, .peak = peak};
+    double integral = 0;
+    for (double f = 0.001; f < 8 * kBaud8G; f += 0.002)
+      integral += 0.002 * magnitudeSquared(reference::receiver(receiver, f, kBaud8G));
+    for (const double delayNs : {0.0, 1.0, 100.0}) {
+      Channel channel = backplane(20);
+      channel.echoes = {{0.1, delayNs}};
+      EXPECT_NEAR(arrivalOf(kSender, channel, receiver, kBaud8G).noiseBandGHz / integral, 1, 1e-4) << delayNs;
+    }
+  }
+}
+
 // With every echo within 1024 UI, the cursors are those of a period of 1024 UI, wherever the echoes come and at any
 // speed.
 TEST(Echo, OfAnyDelayAgreesWithAReferenceOf1024Ui) {

@@ -287,11 +287,11 @@ TEST(EvaluateLink, IsTheSameToTheLastBitEverywhere) {
   channel.echoes = {{0.05, 3}};
   const LinkResult result = amidItsLike(sender(115, {-4, 55, 0, 0}), channel, Receiver{});
   EXPECT_EQ(result.h0, 0x1.167792cd95518p-4);
-  EXPECT_EQ(result.sigma, 0x1.20c587b494499p-8);
+  EXPECT_EQ(result.sigma, 0x1.20c4b456455ap-8);
   EXPECT_EQ(result.crosstalk, 0x1.88b4d46e3ff56p-9);
   EXPECT_EQ(result.ber, 0x1.2725dd1d243acp-60);
-  EXPECT_EQ(result.amin, 0x1.fc534ed2709b9p+4);
-  EXPECT_EQ(result.eyeHeightV, 0x1.b5d6ab1826cdbp-6);
+  EXPECT_EQ(result.amin, 0x1.fc54178a95b5p+4);
+  EXPECT_EQ(result.eyeHeightV, 0x1.b5d8f21900b52p-6);
   EXPECT_EQ(result.taps[0], 0x1.1f134cabe398fp+4);
 }
 

@@ -257,8 +257,8 @@ inline Slicer slicerAt(const Link& link, const Pulse& pulse, const Channel& chan
   for (std::size_t i = 0; i < h.size(); ++i)
     slopes += std::pow((after[i] - before[i]) * 8, 2);
   double band = 0;
-  for (unsigned k = 0; k <= 512; ++k)
-    band += magnitudeSquared(receiver(settings, k * baud / 64, baud)) * baud / 64;
+  for (double f = 0.005; f < 8 * baud; f += 0.01)
+    band += magnitudeSquared(receiver(settings, f, baud)) * 0.01;
   Slicer slicer;
   slicer.main = h[16];
   slicer.sigma = std::sqrt(5.2e-8 * band + std::pow(h[16] * ratioOf(-27), 2) +
