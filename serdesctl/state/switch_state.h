@@ -15,17 +15,25 @@
 
 namespace serdesctl {
 
-// Live settings of a link. The names of modes are the tool's; nothing for a value that it cannot name.
-struct LiveTx : FfeValues, SlewValue {};
+// What the tool shows for a value that it has no name for, and what the state says too.
+inline constexpr const char* kUnnamed = "UNK";
+
+// Live settings of a link. The names of modes are the tool's.
+struct LiveTx : FfeValues, SlewValue {
+  bool slewUnnamed = false;  // there is one, and the tool cannot name it
+};
 struct LiveRx : DfeModeValue, VgaValues {};
 
 // What is seen and cannot be set.
 struct PortObservations {
   std::optional<std::string> runningRate;
   std::optional<std::string> media;
-  std::vector<DfeStatsValues> links;  // by receive link
+  std::vector<DfeStatsValues> links;  // by receive link, without values where the tool has no layout
+  std::string unread;                 // why the statistics could not be read
 };
 
+// The tool shows rate, stream and transmit caches by transmit link, and receive caches by receive link: of a port
+// without such links nothing is known of them.
 struct PortState {
   std::uint32_t port = 0;
   std::optional<std::string> configRate;
@@ -52,9 +60,18 @@ struct AsicState {
   std::optional<RegisterDumps> registers;
 };
 
+// What the tool refused to show.
+struct Unread {
+  std::uint32_t asic = 0;
+  std::optional<std::uint32_t> port{};  // nothing: the ASIC as such
+  std::string what;                     // the kind of records, for caches with their rate: "tx_cache_raw 8G"
+  std::string why;
+};
+
 struct SwitchState {
   SwitchText hardware;
   std::vector<AsicState> asics;
+  std::vector<Unread> unread;
 };
 
 }  // namespace serdesctl

@@ -46,17 +46,7 @@ struct AskedPorts {
 
 std::uint32_t portsOf(const HealthOptions& options, const ConfigText& config) {
   if (options.ports.empty()) return config.glPorts | config.xgPorts | config.exgPorts;
-  Words words = {"showRate"};
-  words.insert(words.end(), options.ports.begin(), options.ports.end());
-  const auto ports = namedPorts(splitWords(joinedWords(words)), &config);
-  if (!ports) throw UsageError("'" + joinedWords(options.ports) + "' is no port list: all, gl, xg, exg, or 0-3 8");
-  const auto count = static_cast<std::uint32_t>(config.ports.size());
-  const std::uint32_t missing = *ports & ~((std::uint32_t{1} << count) - 1);
-  if (missing != 0) {
-    throw UsageError("no port " + std::to_string(std::countr_zero(missing)) + " of ASIC " +
-                     std::to_string(config.asic));
-  }
-  return *ports;
+  return portsOfList(joinedWords(options.ports), config);
 }
 
 class Health {

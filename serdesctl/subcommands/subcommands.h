@@ -11,6 +11,8 @@ int performShow(const Options& options);
 int performParse(const Options& options);
 int performHealth(const Options& options);
 int performJournal(const Options& options);
+int performSave(const Options& options);
+int performDiff(const Options& options);
 
 // The target that the command line names, with the lock's patience.
 Target chosenTarget(const CommonOptions& options);
