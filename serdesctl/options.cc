@@ -106,7 +106,11 @@ void addDiffOptions(CLI::App& app, Options& options) {
   app.add_flag("--json", diff.json, "Print one JSON object");
 }
 
-constexpr std::array<Subcommand, 7> kSubcommands = {{
+void addSettingsOptions(CLI::App& app, Options& options) {
+  app.add_option("FILE", options.settings.file, "A settings file, - for standard input")->required();
+}
+
+constexpr std::array<Subcommand, 8> kSubcommands = {{
     {
         .name = "run",
         .description = "Check scripts and run them, up to the first command that fails",
@@ -148,6 +152,12 @@ constexpr std::array<Subcommand, 7> kSubcommands = {{
         .description = "Show what differs between two saves, or between a save and the switch",
         .addOptions = addDiffOptions,
         .perform = performDiff,
+    },
+    {
+        .name = "settings",
+        .description = "Check a settings file; with --target against the ports of that switch",
+        .addOptions = addSettingsOptions,
+        .perform = performSettings,
     },
 }};
 

@@ -9,6 +9,7 @@
 #include "serdesctl/base/files.h"
 #include "serdesctl/base/output.h"
 #include "serdesctl/session/conversation.h"
+#include "serdesctl/settings/as_settings.h"
 #include "serdesctl/state/state_json.h"
 #include "serdesctl/subcommands/saving.h"
 #include "serdesctl/subcommands/subcommands.h"
@@ -59,7 +60,7 @@ Save captureSave(const CommonOptions& options, const ChooseCapture& choose) {
 
 int performSave(const Options& options) {
   const Save save = captureSave(options.common, [&](const SwitchText&) { return choiceOf(options.save); });
-  put(options.save.output, saveText(save));
+  put(options.save.output, options.save.asSettings ? settingsText(save) : saveText(save));
   return save.state.unread.empty() ? kDone : kFailed;
 }
 

@@ -13,6 +13,7 @@ int performHealth(const Options& options);
 int performJournal(const Options& options);
 int performSave(const Options& options);
 int performDiff(const Options& options);
+int performSettings(const Options& options);
 
 // The target that the command line names, with the lock's patience.
 Target chosenTarget(const CommonOptions& options);
