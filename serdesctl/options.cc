@@ -89,7 +89,29 @@ void addHealthOptions(CLI::App& app, Options& options) {
   app.add_flag("--json", health.json, "Print one JSON object");
 }
 
-constexpr std::array<Subcommand, 5> kSubcommands = {{
+void addSaveOptions(CLI::App& app, Options& options) {
+  SaveOptions& save = options.save;
+  app.add_option("-o,--output", save.output, "Write to FILE, whole or not at all, instead of standard output")
+      ->type_name("FILE");
+  app.add_option("--ports", save.ports, "These ports alone: gl, 1-5,7")->type_name("LIST");
+  app.add_option("--asic", save.asic, "Of this ASIC")->check(CLI::IsMember({"0", "1", "all"}))->capture_default_str();
+  CLI::Option* const registers = app.add_flag("--registers", save.registers, "The registers too");
+  app.add_flag("--as-settings", save.asSettings, "As a settings file, grouped for people")->excludes(registers);
+}
+
+void addDiffOptions(CLI::App& app, Options& options) {
+  DiffOptions& diff = options.diff;
+  app.add_option("A", diff.before, "A save, - for standard input")->required()->type_name("SAVE");
+  app.add_option("B", diff.after, "Another save; without it the switch as it is")->type_name("SAVE");
+  app.add_flag("--observations", diff.observations, "Rates in use, media, statistics and counters too");
+  app.add_flag("--json", diff.json, "Print one JSON object");
+}
+
+void addSettingsOptions(CLI::App& app, Options& options) {
+  app.add_option("FILE", options.settings.file, "A settings file, - for standard input")->required();
+}
+
+constexpr std::array<Subcommand, 8> kSubcommands = {{
     {
         .name = "run",
         .description = "Check scripts and run them, up to the first command that fails",
@@ -119,6 +141,24 @@ constexpr std::array<Subcommand, 5> kSubcommands = {{
         .description = "Show what was changed, by whom and when; with --target that target's alone",
         .addOptions = addJournalOptions,
         .perform = performJournal,
+    },
+    {
+        .name = "save",
+        .description = "Save all that can be set of a switch as JSON; reading sets nothing",
+        .addOptions = addSaveOptions,
+        .perform = performSave,
+    },
+    {
+        .name = "diff",
+        .description = "Show what differs between two saves, or between a save and the switch",
+        .addOptions = addDiffOptions,
+        .perform = performDiff,
+    },
+    {
+        .name = "settings",
+        .description = "Check a settings file; with --target against the ports of that switch",
+        .addOptions = addSettingsOptions,
+        .perform = performSettings,
     },
 }};
 

@@ -61,6 +61,25 @@ struct HealthOptions {
   bool json = false;
 };
 
+struct SaveOptions {
+  std::string output;
+  std::string ports;
+  std::string asic = "all";
+  bool registers = false;
+  bool asSettings = false;
+};
+
+struct DiffOptions {
+  std::string before;
+  std::string after;
+  bool observations = false;
+  bool json = false;
+};
+
+struct SettingsOptions {
+  std::string file;
+};
+
 struct Options {
   CommonOptions common;
   RunOptions run;
@@ -68,6 +87,9 @@ struct Options {
   ShowOptions show;
   ParseOptions parse;
   HealthOptions health;
+  SaveOptions save;
+  DiffOptions diff;
+  SettingsOptions settings;
 };
 
 // A subcommand: its word, what --help says about it, its own options, and what it does. `perform` gives the exit

@@ -33,12 +33,17 @@ RefusedError::RefusedError(const std::string& command, const Answer& answer)
     : ErrorOfStatus(refusal(command, answer)) {}
 
 AskedSwitch::AskedSwitch(Conversation& tool, std::uint32_t asic) : tool_(tool) {
-  if (asic != 0) (void)askToSucceed("setAsicNum " + std::to_string(asic));
-  config_ = parseConfig(askToSucceed("showConfig").output);
+  config_.asic = asic;
+  if (asic != 0) {
+    select();
+  } else {
+    discovery_ = parseStart(tool.startText()).discovery;
+    config_ = parseConfig(askToSucceed("showConfig").output);
+  }
 }
 
 void AskedSwitch::select() {
-  (void)askToSucceed("setAsicNum " + std::to_string(config_.asic));
+  discovery_ = parseDiscovery(askToSucceed("setAsicNum " + std::to_string(config_.asic)).output);
   config_ = parseConfig(askToSucceed("showConfig").output);
 }
 
@@ -112,6 +117,22 @@ std::string listOf(std::uint32_t ports) {
     if (port != first) list += "-" + std::to_string(port);
   }
   return list;
+}
+
+std::uint32_t portsOfList(const std::string& list, const ConfigText& config) {
+  std::string words = list;
+  std::replace(words.begin(), words.end(), ',', ' ');
+  const auto ports = namedPorts(splitWords("showRate " + words), &config);
+  if (!ports || words.find_first_not_of(' ') == std::string::npos) {
+    throw UsageError("'" + list + "' is no port list: all, gl, xg, exg, or 0-3 8");
+  }
+  const auto count = static_cast<std::uint32_t>(config.ports.size());
+  const std::uint32_t missing = *ports & ~((std::uint32_t{1} << count) - 1);
+  if (missing != 0) {
+    throw UsageError("no port " + std::to_string(std::countr_zero(missing)) + " of ASIC " +
+                     std::to_string(config.asic));
+  }
+  return *ports;
 }
 
 }  // namespace serdesctl

@@ -1,6 +1,7 @@
 // A running tool, asked for records instead of text.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -37,6 +38,11 @@ class AskedSwitch {
     return config_;
   }
 
+  // The cores as found when the ASIC became the current one.
+  const DiscoveryText& discovery() const {
+    return discovery_;
+  }
+
   // Asks a command that shows something. Throws RefusedError, ParseError.
   Shown ask(const Words& words);
 
@@ -53,10 +59,33 @@ class AskedSwitch {
   Shown showStatisticsOfType(const std::string& list);
 
   Conversation& tool_;
+  DiscoveryText discovery_;
   ConfigText config_;
 };
 
 // "0-3 5": a port list of these ports.
 std::string listOf(std::uint32_t ports);
+
+// The ports of a list that people write, with blanks or commas: "gl", "0-3,8". Throws UsageError for what is no list,
+// and for ports that the ASIC does not have.
+std::uint32_t portsOfList(const std::string& list, const ConfigText& config);
+
+// Calls read(ports) for all of the ports at once or, where the tool refuses that, for each by itself; refused(port,
+// why) for those that it refuses even so.
+template <typename Read, typename Refused>
+void readTogether(std::uint32_t ports, Read&& read, Refused&& refused) {
+  if (ports == 0) return;
+  try {
+    read(ports);
+    return;
+  } catch (const RefusedError& error) {
+    if (std::has_single_bit(ports)) {
+      refused(static_cast<std::uint32_t>(std::countr_zero(ports)), std::string(error.what()));
+      return;
+    }
+  }
+  for (std::uint32_t rest = ports; rest != 0; rest &= rest - 1)
+    readTogether(rest & (~rest + 1), read, refused);
+}
 
 }  // namespace serdesctl

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/waiting.h"
@@ -30,6 +31,43 @@ std::string readToEnd(int descriptor, const std::string& name, std::size_t mostB
     text.append(block.data(), static_cast<std::size_t>(count));
   }
   throw UsageError(name + ": longer than " + std::to_string(mostBytes) + " bytes");
+}
+
+[[noreturn]] void failToWrite(const std::string& name, int error) {
+  throw WriteError(name + ": " + errorText(error));
+}
+
+// A file beside the one that it will replace, gone unless it has done so.
+class Replacement {
+ public:
+  explicit Replacement(const std::string& name, mode_t mode) : name_(name) {
+    for (int number = 0; !file_.isOpen(); ++number) {
+      temporary_ = name + "." + std::to_string(::getpid()) + "." + std::to_string(number);
+      file_.reset(::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+      if (!file_.isOpen() && errno != EEXIST) failToWrite(name, errno);
+    }
+  }
+  ~Replacement() {
+    if (!temporary_.empty()) (void)::unlink(temporary_.c_str());
+  }
+  Replacement(const Replacement&) = delete;
+  Replacement& operator=(const Replacement&) = delete;
+
+  void write(std::string_view text) {
+    if (!writeAll(file_.get(), text) || ::fsync(file_.get()) != 0) failToWrite(name_, errno);
+    if (::rename(temporary_.c_str(), name_.c_str()) != 0) failToWrite(name_, errno);
+    temporary_.clear();
+  }
+
+ private:
+  std::string name_;
+  std::string temporary_;
+  Fd file_;
+};
+
+void writeInto(const std::string& name, std::string_view text) {
+  const Fd file(::open(name.c_str(), O_WRONLY | O_CLOEXEC));
+  if (!file.isOpen() || !writeAll(file.get(), text)) failToWrite(name, errno);
 }
 
 }  // namespace
@@ -58,6 +96,25 @@ bool writeAll(int descriptor, std::string_view text) {
     text.remove_prefix(static_cast<std::size_t>(count));
   }
   return true;
+}
+
+void syncFolder(const std::string& folder) {
+  const Fd file(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  (void)::fsync(file.get());
+}
+
+void writeFileWhole(const std::string& name, std::string_view text) {
+  struct stat old {};
+  const bool exists = ::stat(name.c_str(), &old) == 0;
+  if (exists && !S_ISREG(old.st_mode)) {
+    writeInto(name, text);
+    return;
+  }
+  constexpr mode_t kPermissions = 0777;
+  const std::string real = exists ? std::filesystem::canonical(name).string() : name;
+  Replacement(real, exists ? old.st_mode & kPermissions : 0666).write(text);
+  const std::string folder = std::filesystem::path(real).parent_path().string();
+  syncFolder(folder.empty() ? "." : folder);
 }
 
 std::optional<std::string> environmentVariable(const char* name) {

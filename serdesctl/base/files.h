@@ -48,6 +48,13 @@ std::string readFile(const std::string& name, std::size_t mostBytes);
 // Writes all of `text`; false with errno when that fails.
 bool writeAll(int descriptor, std::string_view text);
 
+// Puts the folder's entries on the disk, where the file system has a notion of that.
+void syncFolder(const std::string& folder);
+
+// Writes a file so that it holds the old text or the whole new one at any moment, and the new one on the disk
+// afterwards. What is no plain file is written to. Throws WriteError "NAME: why".
+void writeFileWhole(const std::string& name, std::string_view text);
+
 // The value of an environment variable; an empty one counts as one that is not set.
 std::optional<std::string> environmentVariable(const char* name);
 

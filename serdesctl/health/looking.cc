@@ -11,21 +11,6 @@ namespace {
 
 using Looks = std::map<std::uint32_t, PortLook>;
 
-// Reads all the ports at once or, when the tool refuses, each by itself.
-template <typename Read>
-void readTogether(std::uint32_t ports, Looks& looks, Read read) {
-  try {
-    read(ports);
-    return;
-  } catch (const RefusedError& error) {
-    if ((ports & (ports - 1)) == 0) {
-      forEachBit(ports, kMaxPorts, [&](std::uint32_t port) { looks[port].complaint = error.what(); });
-      return;
-    }
-  }
-  forEachBit(ports, kMaxPorts, [&](std::uint32_t port) { readTogether(std::uint32_t{1} << port, looks, read); });
-}
-
 void readRates(AskedSwitch& asked, std::uint32_t ports, Looks& looks) {
   const Shown shown = asked.ask(splitWords("showRate " + listOf(ports)));
   for (const Rate& record : std::get<std::vector<Rate>>(shown.records)) {
@@ -62,9 +47,12 @@ std::map<std::uint32_t, PortLook> lookAt(AskedSwitch& asked, std::uint32_t ports
   Looks looks;
   if (ports == 0) return looks;
   forEachBit(ports, kMaxPorts, [&](std::uint32_t port) { looks[port] = {}; });
-  readTogether(ports, looks, [&](std::uint32_t together) { readRates(asked, together, looks); });
+  const auto complain = [&](std::uint32_t port, const std::string& why) { looks[port].complaint = why; };
+  readTogether(
+      ports, [&](std::uint32_t together) { readRates(asked, together, looks); }, complain);
   for (const std::uint32_t ofOneType : asked.portsByType(ports)) {
-    readTogether(ofOneType, looks, [&](std::uint32_t together) { readStatistics(asked, together, looks, secondsNow); });
+    readTogether(
+        ofOneType, [&](std::uint32_t together) { readStatistics(asked, together, looks, secondsNow); }, complain);
   }
   return looks;
 }

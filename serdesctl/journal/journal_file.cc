@@ -69,12 +69,6 @@ std::size_t wholeLines(const Fd& file, std::size_t size) {
   return 0;
 }
 
-// Puts the folder's entries on the disk, where the file system has a notion of that.
-void syncFolder(const std::string& folder) {
-  const Fd file(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  (void)::fsync(file.get());
-}
-
 std::string numbered(const std::string& name, unsigned number) {
   return number == 0 ? name : name + "." + std::to_string(number);
 }

@@ -46,9 +46,7 @@ Words commandAbout(const std::vector<std::string>& ports) {
 }
 
 std::uint32_t portsOf(const HealthOptions& options, const ConfigText& config) {
-  const auto ports = namedPorts(commandAbout(options.ports), &config);
-  if (!ports) throw UsageError("'" + joinedWords(options.ports) + "' is no port list: all, gl, xg, exg, or 0-3 8");
-  return *ports;
+  return portsOfList(options.ports.empty() ? "all" : joinedWords(options.ports), config);
 }
 
 class Health {

@@ -11,6 +11,9 @@ int performShow(const Options& options);
 int performParse(const Options& options);
 int performHealth(const Options& options);
 int performJournal(const Options& options);
+int performSave(const Options& options);
+int performDiff(const Options& options);
+int performSettings(const Options& options);
 
 // The target that the command line names, with the lock's patience.
 Target chosenTarget(const CommonOptions& options);

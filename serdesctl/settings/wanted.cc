@@ -1,0 +1,396 @@
+// Selecting ports, and laying declared settings over what is.
+#include "serdesctl/settings/wanted.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <optional>
+
+#include "display/name_tables.h"
+#include "serdesctl/asking/asked_switch.h"
+#include "topology/serdes_topology.h"
+
+namespace serdesctl {
+namespace {
+
+bool allows(const std::set<std::string>& names, const std::optional<std::string>& name) {
+  return names.empty() || (name && names.contains(*name));
+}
+
+bool allowsPort(const std::set<std::uint32_t>& ports, const std::optional<std::uint32_t>& port) {
+  return ports.empty() || (port && ports.contains(*port));
+}
+
+bool isIn(std::uint32_t mask, std::uint32_t port) {
+  return (mask >> port & 1) != 0;
+}
+
+std::optional<std::string> kindOf(const ConfigText& config, std::uint32_t port) {
+  if (isIn(config.glPorts, port)) return "gl";
+  if (isIn(config.xgPorts, port)) return "xg";
+  return isIn(config.exgPorts, port) ? std::optional<std::string>("exg") : std::nullopt;
+}
+
+bool selects(const PortSelector& selector, const AsicState& asic, const PortState& port) {
+  const ConfigPort& config = asic.config.ports[port.port];
+  const std::set<std::string>& types = selector.serDesTypes;
+  return selector.asic.value_or(asic.asic) == asic.asic && allowsPort(selector.ports, port.port) &&
+         allowsPort(selector.userPorts, config.userPort) && allows(selector.kinds, kindOf(asic.config, port.port)) &&
+         (allows(types, config.tx.serDesType) || allows(types, config.rx.serDesType)) &&
+         allows(selector.media, port.observed.media) && allows(selector.rates, port.configRate) &&
+         allows(selector.runningRates, port.observed.runningRate);
+}
+
+class Problems {
+ public:
+  explicit Problems(const SettingsFile& file) : file_(file) {}
+
+  void add(const SettingsEntry& entry, const std::string& what) {
+    lines_.push_back(file_.name + ":" + std::to_string(entry.line) + ": " + what);
+  }
+  void refuseIfAny() const {
+    refuse(lines_);
+  }
+
+ private:
+  const SettingsFile& file_;
+  std::vector<std::string> lines_;
+};
+
+// What a selector names must be there.
+void checkNamed(const SettingsEntry& entry, const SwitchState& now, Problems& problems) {
+  const PortSelector& selector = entry.selector;
+  std::set<std::uint32_t> ports, userPorts;
+  bool asicFound = !selector.asic;
+  for (const AsicState& asic : now.asics) {
+    asicFound = asicFound || asic.asic == *selector.asic;
+    for (const PortState& port : asic.ports) {
+      if (selector.asic.value_or(asic.asic) == asic.asic) ports.insert(port.port);
+      if (const auto user = asic.config.ports[port.port].userPort) userPorts.insert(*user);
+    }
+  }
+  if (!asicFound) {
+    problems.add(entry, "asic: the switch has no ASIC " + std::to_string(*selector.asic));
+    return;
+  }
+  for (const std::uint32_t port : selector.ports) {
+    if (ports.contains(port)) continue;
+    problems.add(entry, "ports: no port " + std::to_string(port) + " of ASIC " + std::to_string(*selector.asic));
+  }
+  for (const std::uint32_t port : selector.userPorts) {
+    if (!userPorts.contains(port)) problems.add(entry, "user_ports: no user port " + std::to_string(port));
+  }
+}
+
+// Whether a record says anything, and all of it.
+template <typename Group>
+bool saysAny(const Group& group) {
+  bool any = false;
+  eachField(group, [&](const char*, const auto& value) { any = any || value.has_value(); });
+  return any;
+}
+template <typename Group>
+bool saysAll(const Group& group) {
+  bool all = true;
+  eachField(group, [&](const char*, const auto& value) { all = all && value.has_value(); });
+  return all;
+}
+
+bool saysAnyTx(const LiveTx& tx) {
+  return saysAny<FfeValues>(tx) || tx.slewPs;
+}
+
+bool saysAnyRx(const LiveRx& rx) {
+  return rx.dfeMode || saysAny<VgaValues>(rx);
+}
+
+std::string portText(std::uint32_t asic, std::uint32_t port) {
+  return "port " + std::to_string(port) + " of ASIC " + std::to_string(asic);
+}
+
+// Caches of ethernet ports hold other things than those of other ports.
+void checkKinds(const SettingsEntry& entry, const AsicState& asic, std::uint32_t ports, Problems& problems) {
+  const bool forOthers = !entry.caches.empty() && (saysAnyTx(entry.transmit) || saysAnyRx(entry.receive));
+  const std::uint32_t ethernet = ports & asic.config.exgPorts;
+  const std::uint32_t others = ports & (asic.config.glPorts | asic.config.xgPorts);
+  if (forOthers && ethernet != 0) {
+    problems.add(entry, "transmit, receive: " + portText(asic.asic, std::countr_zero(ethernet)) +
+                            " is an ethernet port, whose caches have ethernet settings alone");
+  }
+  if (saysAny(entry.ethernet) && others != 0) {
+    problems.add(entry, "ethernet: " + portText(asic.asic, std::countr_zero(others)) + " is no ethernet port");
+  }
+}
+
+SelectedPorts selectFor(const SettingsEntry& entry, const SwitchState& now, Problems& problems) {
+  SelectedPorts selected;
+  for (const AsicState& asic : now.asics) {
+    for (const PortState& port : asic.ports) {
+      if (selects(entry.selector, asic, port)) selected[asic.asic] |= std::uint32_t{1} << port.port;
+    }
+    checkKinds(entry, asic, selected.contains(asic.asic) ? selected[asic.asic] : 0, problems);
+  }
+  if (entry.optional) return selected;
+  checkNamed(entry, now, problems);
+  if (selected.empty()) problems.add(entry, "selects no port; with optional = true it may");
+  return selected;
+}
+
+std::vector<SelectedPorts> select(const SettingsFile& file, const SwitchState& now, Problems& problems) {
+  std::vector<SelectedPorts> selected;
+  for (const SettingsEntry& entry : file.entries)
+    selected.push_back(selectFor(entry, now, problems));
+  return selected;
+}
+
+template <typename Value>
+void overlay(Value& under, const std::optional<Value>& over) {
+  if (over) under = *over;
+}
+template <typename Value>
+void overlay(std::optional<Value>& under, const std::optional<Value>& over) {
+  if (over) under = over;
+}
+
+void overlay(LiveTx& under, const LiveTx& over) {
+  overlay(under.ffeMode, over.ffeMode);
+  overlay(under.k, over.k);
+  overlay(under.c0, over.c0);
+  overlay(under.c1, over.c1);
+  overlay(under.c2, over.c2);
+  overlay(under.c3, over.c3);
+  overlay(under.slewPs, over.slewPs);
+}
+
+void overlay(LiveRx& under, const LiveRx& over) {
+  overlay(under.dfeMode, over.dfeMode);
+  overlay(under.pole, over.pole);
+  overlay(under.peak, over.peak);
+  overlay(under.amax, over.amax);
+}
+
+void overlay(EthernetSettings& under, const EthernetSettings& over) {
+  overlay(under.power, over.power);
+  overlay(under.preEmphasis, over.preEmphasis);
+  overlay(under.cdrMode, over.cdrMode);
+  overlay(under.eqMode, over.eqMode);
+}
+
+// Settings of links, as far as they are said.
+struct LinkSettings {
+  LiveTx transmit;
+  LiveRx receive;
+  EthernetSettings ethernet;
+};
+
+void overlay(LinkSettings& under, const SettingsEntry& over) {
+  overlay(under.transmit, over.transmit);
+  overlay(under.receive, over.receive);
+  overlay(under.ethernet, over.ethernet);
+}
+
+// All that the entries say about a port.
+struct Declared {
+  const SettingsEntry* last = nullptr;  // which messages name
+  std::optional<std::string> speed;
+  std::optional<bool> stream;
+  LinkSettings live;
+  std::map<std::string, LinkSettings> caches;
+};
+
+void overlay(Declared& under, const SettingsEntry& over) {
+  under.last = &over;
+  overlay(under.speed, over.speed);
+  overlay(under.stream, over.stream);
+  if (over.live) overlay(under.live, over);
+  for (const std::string& rate : over.caches)
+    overlay(under.caches[rate], over);
+}
+
+// The number of a name or of picoseconds, among names in the platform's order.
+template <std::size_t kCount>
+std::int32_t numberOf(const std::array<ValueName, kCount>& names, const std::string& word,
+                      const char* ValueName::*which) {
+  const auto found = std::find_if(names.begin(), names.end(), [&](const ValueName& n) { return word == n.*which; });
+  return static_cast<std::int32_t>(found - names.begin());
+}
+
+// What an entry says about a cache, over the platform's numbers.
+void overlay(TxRawValues& under, const LinkSettings& over) {
+  const LiveTx& tx = over.transmit;
+  overlay(under.power, tx.k);
+  if (tx.slewPs) under.slew = numberOf(slewRateNames, std::to_string(*tx.slewPs), &ValueName::shortName);
+  if (tx.ffeMode) under.mode = numberOf(ffeModeNames, *tx.ffeMode, &ValueName::name);
+  overlay(under.p[0], tx.c0);
+  overlay(under.p[1], tx.c1);
+  overlay(under.p[2], tx.c2);
+  overlay(under.p[3], tx.c3);
+  overlay(under.power, over.ethernet.power);
+  overlay(under.p[0], over.ethernet.preEmphasis);
+}
+
+void overlay(RxRawValues& under, const LinkSettings& over) {
+  const LiveRx& rx = over.receive;
+  if (rx.dfeMode) under.mode = numberOf(dfeModeNames, *rx.dfeMode, &ValueName::name);
+  overlay(under.p[0], rx.pole);
+  overlay(under.p[1], rx.peak);
+  overlay(under.p[2], rx.amax);
+  overlay(under.mode, over.ethernet.cdrMode);
+  overlay(under.p[0], over.ethernet.eqMode);
+}
+
+// What fits 8 bits reaches a link.
+void carry(std::optional<std::int32_t>& value, std::int32_t cached, std::int32_t lowest, std::int32_t highest) {
+  if (lowest <= cached && cached <= highest) value = cached;
+}
+
+// What a port has once it has got another rate's cache, as far as links can have it; the rest as it is now.
+LiveTx afterRate(const LiveTx& now, const TxRawValues& cache) {
+  LiveTx link = now;
+  const auto mode = static_cast<std::uint32_t>(cache.mode);
+  if (mode < ffeModeNames.size()) link.ffeMode = ffeModeNames[mode].name;
+  carry(link.k, cache.power, 0, 255);
+  carry(link.c0, cache.p[0], -128, 127);
+  carry(link.c1, cache.p[1], -128, 127);
+  carry(link.c2, cache.p[2], -128, 127);
+  carry(link.c3, cache.p[3], -128, 127);
+  return link;
+}
+
+LiveRx afterRate(const LiveRx& now, const RxRawValues& cache) {
+  LiveRx link = now;
+  carry(link.pole, cache.p[0], -128, 127);
+  carry(link.peak, cache.p[1], -128, 127);
+  carry(link.amax, cache.p[2], -128, 127);
+  return link;
+}
+
+// The wanted state of a port.
+class PortBuilder {
+ public:
+  PortBuilder(const AsicState& asic, const PortState& now, const Declared& declared, Problems& problems)
+      : asic_(asic), now_(now), declared_(declared), problems_(problems) {}
+
+  PortState build() {
+    port_.port = now_.port;
+    port_.configRate = declared_.speed;
+    port_.streamEnabled = declared_.stream;
+    for (const auto& [rate, settings] : declared_.caches)
+      addCaches(rate, settings);
+    addLinks();
+    return std::move(port_);
+  }
+
+ private:
+  void addCaches(const std::string& rate, const LinkSettings& settings) {
+    const EthernetSettings& e = settings.ethernet;
+    if (saysAnyTx(settings.transmit) || e.power || e.preEmphasis)
+      addCache(now_.txCaches, rate, settings, port_.txCaches);
+    if (saysAnyRx(settings.receive) || e.cdrMode || e.eqMode) addCache(now_.rxCaches, rate, settings, port_.rxCaches);
+  }
+
+  template <typename Caches>
+  void addCache(const Caches& now, const std::string& rate, const LinkSettings& settings, Caches& wanted) {
+    const auto cache = now.find(rate);
+    if (cache == now.end()) {
+      complain("has no " + rate + " cache on that side, or it could not be read");
+      return;
+    }
+    wanted[rate] = cache->second;
+    overlay(wanted[rate], settings);
+  }
+
+  void addLinks() {
+    if (saysAnyTx(declared_.live.transmit)) addTxLinks();
+    if (saysAnyRx(declared_.live.receive)) addRxLinks();
+  }
+
+  void addTxLinks() {
+    const LiveTx& said = declared_.live.transmit;
+    const auto* const cache = newRateCache(now_.txCaches, port_.txCaches);
+    for (const LiveTx& now : now_.tx) {
+      LiveTx& link = port_.tx.emplace_back();
+      if (saysAny<FfeValues>(said)) static_cast<FfeValues&>(link) = cache != nullptr ? afterRate(now, *cache) : now;
+      overlay(link, said);
+      if (saysAny<FfeValues>(said) && !saysAll<FfeValues>(link)) complainOfUnknown("k, c0 to c3 or the mode");
+    }
+    if (now_.tx.empty()) complainOfNoLinks("transmit");
+  }
+
+  void addRxLinks() {
+    const LiveRx& said = declared_.live.receive;
+    const auto* const cache = newRateCache(now_.rxCaches, port_.rxCaches);
+    for (const LiveRx& now : now_.rx) {
+      LiveRx& link = port_.rx.emplace_back();
+      if (saysAny<VgaValues>(said)) static_cast<VgaValues&>(link) = cache != nullptr ? afterRate(now, *cache) : now;
+      overlay(link, said);
+      if (saysAny<VgaValues>(said) && !saysAll<VgaValues>(link)) complainOfUnknown("pole, peak or amax");
+    }
+    if (now_.rx.empty()) complainOfNoLinks("receive");
+  }
+
+  // The cache that a change of speed will apply; null when there is none, or nobody knows which.
+  template <typename Caches>
+  const typename Caches::mapped_type* newRateCache(const Caches& now, const Caches& wanted) const {
+    if (!declared_.speed || declared_.speed == now_.configRate) return nullptr;
+    if (const auto cache = wanted.find(*declared_.speed); cache != wanted.end()) return &cache->second;
+    const auto cache = now.find(*declared_.speed);
+    return cache == now.end() ? nullptr : &cache->second;
+  }
+
+  void complain(const std::string& what) {
+    problems_.add(*declared_.last, portText(asic_.asic, now_.port) + " " + what);
+  }
+  void complainOfUnknown(const std::string& what) {
+    complain("keeps " + what + " as it is, which could not be read: say all of it");
+  }
+  void complainOfNoLinks(const std::string& side) {
+    complain("has no " + side + " links, or they could not be read");
+  }
+
+  const AsicState& asic_;
+  const PortState& now_;
+  const Declared& declared_;
+  Problems& problems_;
+  PortState port_;
+};
+
+AsicState wantedAsic(const AsicState& now, const std::map<std::uint32_t, Declared>& declared, Problems& problems) {
+  AsicState wanted;
+  wanted.asic = now.asic;
+  wanted.config = now.config;
+  wanted.cores = now.cores;
+  for (const PortState& port : now.ports) {
+    const auto found = declared.find(port.port);
+    if (found != declared.end()) wanted.ports.push_back(PortBuilder(now, port, found->second, problems).build());
+  }
+  return wanted;
+}
+
+}  // namespace
+
+std::vector<SelectedPorts> selectPorts(const SettingsFile& file, const SwitchState& now) {
+  Problems problems(file);
+  std::vector<SelectedPorts> selected = select(file, now, problems);
+  problems.refuseIfAny();
+  return selected;
+}
+
+SwitchState wantedState(const SettingsFile& file, const SwitchState& now) {
+  Problems problems(file);
+  const std::vector<SelectedPorts> selected = select(file, now, problems);
+  SwitchState wanted = {.hardware = now.hardware, .asics = {}, .unread = {}};
+  for (const AsicState& asic : now.asics) {
+    std::map<std::uint32_t, Declared> declared;
+    for (std::size_t i = 0; i < selected.size(); ++i) {
+      const auto ports = selected[i].find(asic.asic);
+      if (ports == selected[i].end()) continue;
+      forEachBit(ports->second, kMaxPorts, [&](std::uint32_t port) { overlay(declared[port], file.entries[i]); });
+    }
+    if (!declared.empty()) wanted.asics.push_back(wantedAsic(asic, declared, problems));
+  }
+  problems.refuseIfAny();
+  return wanted;
+}
+
+}  // namespace serdesctl

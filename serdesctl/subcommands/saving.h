@@ -1,0 +1,18 @@
+// What the subcommands share that read a whole switch.
+#pragma once
+
+#include <functional>
+
+#include "serdesctl/options.h"
+#include "serdesctl/state/capture.h"
+#include "serdesctl/state/state_json.h"
+
+namespace serdesctl {
+
+// Chooses what to read of a switch by its hardware.
+using ChooseCapture = std::function<CaptureChoice(const SwitchText& hardware)>;
+
+// Reads the target, in a session of its own, and complains of what could not be read.
+Save captureSave(const CommonOptions& options, const ChooseCapture& choose);
+
+}  // namespace serdesctl
