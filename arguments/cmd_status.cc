@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::array<const char*, 12> kStatusMessages = {
+constexpr std::array kStatusMessages = {
     "",
     "",
     "command too long",

@@ -47,7 +47,9 @@ int getVGA(std::uint32_t port, std::uint32_t link, SerDesRxRateParams& params) {
   Vga vga{};
   const int result = AsicControl::GetSerDesRxVGA(serdesTopology.asicNum, port, static_cast<int>(link), &vga.pole,
                                                  &vga.peak, &vga.amax);
-  params = {.mode = 0, .p0 = vga.pole, .p1 = vga.peak, .p2 = vga.amax, .p3 = 0};
+  params.p0 = vga.pole;
+  params.p1 = vga.peak;
+  params.p2 = vga.amax;
   return result;
 }
 

@@ -29,17 +29,11 @@ void printCore(std::uint32_t core) {
   const CoreConfig& config = serdesTopology.coreConfig[core];
   std::printf("coreId %-3d: ", static_cast<int>(core));
   std::printf("%-19s ", serDesTypeName(config.serDesType));
-  for (std::uint32_t port = 0; port < walkedPortCount(); ++port) {
+  forEachBit(config.rxPortMask | config.txPortMask, walkedPortCount(), [&](std::uint32_t port) {
     const bool rx = (config.rxPortMask >> port & 1) != 0;
     const bool tx = (config.txPortMask >> port & 1) != 0;
-    if (rx && tx) {
-      printServedPort(port, "TX_RX");
-    } else if (rx) {
-      printServedPort(port, "RX");
-    } else if (tx) {
-      printServedPort(port, "TX");
-    }
-  }
+    printServedPort(port, rx && tx ? "TX_RX" : rx ? "RX" : "TX");
+  });
   std::printf("\n");
 }
 

@@ -117,9 +117,13 @@ CmdStatus eshowTxParamsCacheCmdHandler(int wordCount, char* words[]) {
 CmdStatus esetTxParamsCacheCmdHandler(int wordCount, char* words[]) {
   WordReader in(wordCount, words);
   const port_speed_type rate = in.take(parseRate);
-  SerDesTxRateParams params = {.power = 0, .slew = SLEW_UNKNOWN, .mode = FFE_NONE, .p0 = 0, .p1 = 0, .p2 = 0, .p3 = 0};
-  params.power = in.number<std::int32_t>();
-  params.p0 = in.number<std::int32_t>();  // pre-emphasis
+  const SerDesTxRateParams params = {.power = in.number<std::int32_t>(),
+                                     .slew = SLEW_UNKNOWN,
+                                     .mode = FFE_NONE,
+                                     .p0 = in.number<std::int32_t>(),  // pre-emphasis
+                                     .p1 = 0,
+                                     .p2 = 0,
+                                     .p3 = 0};
   const std::uint32_t ports = in.ports(requireEthernet);
   if (in.failed()) return in.status();
 

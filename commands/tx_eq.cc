@@ -27,7 +27,7 @@ int getFFE(std::uint32_t port, std::uint32_t link, SerDesTxRateParams& params) {
   signed char c0 = 0, c1 = 0, c2 = 0, c3 = 0;
   const int result =
       AsicControl::GetSerDesTxFFE(serdesTopology.asicNum, port, static_cast<int>(link), &mode, &k, &c0, &c1, &c2, &c3);
-  params = {.power = k, .slew = 0, .mode = static_cast<std::int32_t>(mode), .p0 = c0, .p1 = c1, .p2 = c2, .p3 = c3};
+  params = {.power = k, .slew = {}, .mode = static_cast<std::int32_t>(mode), .p0 = c0, .p1 = c1, .p2 = c2, .p3 = c3};
   return result;
 }
 

@@ -1,6 +1,7 @@
 // Cells put together by hand, as the formats beside their declarations would.
 #include "display/row.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 
@@ -16,11 +17,11 @@ void Row::blanks(std::size_t count) {
 
 void Row::left(std::string_view text, std::size_t width) {
   this->text(text);
-  if (text.size() < width) blanks(width - text.size());
+  blanks(width - std::min(text.size(), width));
 }
 
 void Row::right(std::string_view text, std::size_t width) {
-  if (text.size() < width) blanks(width - text.size());
+  blanks(width - std::min(text.size(), width));
   this->text(text);
 }
 

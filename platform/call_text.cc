@@ -1,15 +1,14 @@
 // Text of arguments and outputs.
 #include "platform/call_text.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 namespace operations {
 
 void CallText::append(std::string_view text) {
-  const std::size_t room = text_.size() - length_;
-  const std::size_t count = text.size() < room ? text.size() : room;
-  if (count > 0) std::memcpy(text_.data() + length_, text.data(), count);  // nothing may be nowhere
+  const std::size_t count = std::min(text.size(), text_.size() - length_);
+  std::copy_n(text.begin(), count, text_.begin() + length_);
   length_ += count;
 }
 
