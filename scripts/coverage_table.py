@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Prints llvm-cov's summaries of the tool and of the simulator as a table per file, and fails below the promises.
+"""Prints llvm-cov's summaries of the tool, of the simulator and of serdesctl as a table per file, and fails below the
+promises.
 
-Arguments: the two summaries (llvm-cov export -summary-only), the list of exclusions. The tool promises 100 % of lines,
-branches and MC/DC but for the exclusions; the simulator 95 % of lines and of branches in all.
+Arguments: the three summaries (llvm-cov export -summary-only), the list of exclusions. The tool promises 100 % of lines,
+branches and MC/DC but for the exclusions; the others 95 % of lines and of branches in all.
 """
 import json
 import pathlib
@@ -10,7 +11,7 @@ import sys
 from collections.abc import Iterator
 from typing import Any
 
-SIMULATOR_FLOOR = 95.0
+FLOOR = 95.0
 MOST_EXCLUSIONS = 10
 MEASURES = ("lines", "branches", "mcdc")
 
@@ -36,8 +37,23 @@ def cell(measure: dict[str, int]) -> str:
     return f"{measure['covered']:5}/{measure['count']:<5}" if measure["count"] else "    -      "
 
 
+def below_floor(what: str, path: str) -> Iterator[str]:
+    """Prints the rows of a program that promises a share of all, and what it fails."""
+    totals = {measure: [0, 0] for measure in MEASURES[:2]}
+    for name, summary in sorted(summaries(path)):
+        print(f"{name:36}" + "".join(f"{cell(summary[measure]):>12}" for measure in MEASURES))
+        for measure, total in totals.items():
+            total[0] += summary[measure]["covered"]
+            total[1] += summary[measure]["count"]
+    for measure, (covered, count) in totals.items():
+        share = 100 * covered / count
+        print(f"{what}, {measure}: {share:.1f} %")
+        if share < FLOOR:
+            yield f"{what}: {share:.1f} % of {measure}, {FLOOR} % promised"
+
+
 def main() -> int:
-    tool, simulator, excluded_path = sys.argv[1:]
+    tool, simulator, serdesctl, excluded_path = sys.argv[1:]
     excluded = exclusions(excluded_path)
     complaints: list[str] = []
     print(f"{'file':36}{'lines':>12}{'branches':>12}{'MC/DC':>12}")
@@ -49,17 +65,8 @@ def main() -> int:
             if missing != allowed:
                 complaints.append(f"{name}: {missing} {measure} not covered, {allowed} excluded")
     complaints += [f"{file}: excluded {measure} of a file that was not measured" for file, measure in excluded]
-    totals = {measure: [0, 0] for measure in MEASURES[:2]}
-    for name, summary in sorted(summaries(simulator)):
-        print(f"{name:36}" + "".join(f"{cell(summary[measure]):>12}" for measure in MEASURES))
-        for measure, total in totals.items():
-            total[0] += summary[measure]["covered"]
-            total[1] += summary[measure]["count"]
-    for measure, (covered, count) in totals.items():
-        share = 100 * covered / count
-        print(f"simulator, {measure}: {share:.1f} %")
-        if share < SIMULATOR_FLOOR:
-            complaints.append(f"simulator: {share:.1f} % of {measure}, {SIMULATOR_FLOOR} % promised")
+    for what, path in (("simulator", simulator), ("serdesctl", serdesctl)):
+        complaints += below_floor(what, path)
     if len(exclusions(excluded_path)) > MOST_EXCLUSIONS:
         complaints.append(f"more than {MOST_EXCLUSIONS} exclusions")
     for complaint in complaints:
