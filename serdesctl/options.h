@@ -65,7 +65,7 @@ struct HealthOptions {
 struct SaveOptions {
   std::string output;
   std::string ports;
-  std::string asic = "all";
+  std::string asic;
   bool registers = false;
   bool asSettings = false;
 };
