@@ -94,7 +94,8 @@ void addSaveOptions(CLI::App& app, Options& options) {
   app.add_option("-o,--output", save.output, "Write to FILE, whole or not at all, instead of standard output")
       ->type_name("FILE");
   app.add_option("--ports", save.ports, "These ports alone: gl, 1-5,7")->type_name("LIST");
-  app.add_option("--asic", save.asic, "Of this ASIC")->check(CLI::IsMember({"0", "1", "all"}))->capture_default_str();
+  app.add_option("--asic", save.asic, "Of this ASIC; without it all, and where ports are named ASIC 0")
+      ->check(CLI::IsMember({"0", "1", "all"}));
   CLI::Option* const registers = app.add_flag("--registers", save.registers, "The registers too");
   app.add_flag("--as-settings", save.asSettings, "As a settings file, grouped for people")->excludes(registers);
 }

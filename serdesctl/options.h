@@ -64,7 +64,7 @@ struct HealthOptions {
 struct SaveOptions {
   std::string output;
   std::string ports;
-  std::string asic = "all";
+  std::string asic;
   bool registers = false;
   bool asSettings = false;
 };

@@ -134,7 +134,7 @@ class PortWriter {
     std::string entry;
     if (port_.configRate && *port_.configRate != "INV") entry += "speed = " + quoted(*port_.configRate) + "\n";
     if (port_.streamEnabled) entry += std::string("stream = ") + (*port_.streamEnabled ? "true" : "false") + "\n";
-    if (port_.configRate == "INV") leaveOut("its speed, which has no name");
+    if (port_.configRate == "INV") leaveOut("the speed, which has no name");
     if (!ethernet_) entry += liveLine(port_.tx, "transmit", liveTx) + liveLine(port_.rx, "receive", liveRx);
     if (!entry.empty()) text_.entries.push_back(entry);
   }
@@ -154,11 +154,11 @@ class PortWriter {
     const std::string first = line(links.front());
     const auto differs = [&](const Link& link) { return line(link) != first; };
     if (std::any_of(links.begin(), links.end(), differs)) {
-      leaveOut("live " + std::string(side) + " settings: its links differ");
+      leaveOut("live " + std::string(side) + " settings, since its links differ");
       return "";
     }
     if (std::any_of(links.begin(), links.end(), [](const Link& link) { return hasUnnamed(link); }))
-      leaveOut("a live " + std::string(side) + " setting that has no name");
+      leaveOut("a live " + std::string(side) + " setting without a name");
     return first;
   }
   static bool hasUnnamed(const LiveTx& link) {
@@ -180,6 +180,7 @@ class PortWriter {
     }
     for (const auto& [lines, rates] : entries)
       text_.entries.push_back("to = " + destinations(rates) + "\n" + lines);
+    if (!unnamed_.empty()) leaveOut("a setting without a name in the caches for " + unnamed_);
   }
 
   static std::string destinations(const std::vector<std::string>& rates) {
@@ -197,15 +198,13 @@ class PortWriter {
     const RxRawValues* const rxCache = rx == port_.rxCaches.end() ? nullptr : &rx->second;
     if (ethernet_) return ethernetLine(txCache, rxCache);
     std::string lines;
-    if (txCache != nullptr) lines += namedLine(transmitLine(named(*txCache)), rate, isNamed(*txCache));
-    if (rxCache != nullptr) lines += namedLine(receiveLine(named(*rxCache)), rate, isNamed(*rxCache));
+    if (txCache != nullptr) lines += transmitLine(named(*txCache));
+    if (rxCache != nullptr) lines += receiveLine(named(*rxCache));
+    const bool whole = (txCache == nullptr || isNamed(*txCache)) && (rxCache == nullptr || isNamed(*rxCache));
+    if (!whole) unnamed_ += (unnamed_.empty() ? "" : ", ") + rate;
     return lines;
   }
 
-  std::string namedLine(const std::string& line, const std::string& rate, bool whole) {
-    if (!whole) leaveOut("a setting of its " + rate + " cache that has no name");
-    return line;
-  }
   static bool isNamed(const TxRawValues& cache) {
     const LiveTx tx = named(cache);
     return tx.ffeMode && tx.slewPs;
@@ -221,6 +220,7 @@ class PortWriter {
   const PortState& port_;
   bool ethernet_;
   PortText text_;
+  std::string unnamed_;  // the rates whose caches have something without a name
 };
 
 // "0-3,7"

@@ -31,14 +31,46 @@ std::optional<std::string> kindOf(const ConfigText& config, std::uint32_t port) 
   return isIn(config.exgPorts, port) ? std::optional<std::string>("exg") : std::nullopt;
 }
 
-bool selects(const PortSelector& selector, const AsicState& asic, const PortState& port) {
+// Whether a record says anything, and all of it.
+template <typename Group>
+bool saysAny(const Group& group) {
+  bool any = false;
+  eachField(group, [&](const char*, const auto& value) { any = any || value.has_value(); });
+  return any;
+}
+template <typename Group>
+bool saysAll(const Group& group) {
+  bool all = true;
+  eachField(group, [&](const char*, const auto& value) { all = all && value.has_value(); });
+  return all;
+}
+
+bool saysAnyTx(const LiveTx& tx) {
+  return saysAny<FfeValues>(tx) || tx.slewPs;
+}
+
+bool saysAnyRx(const LiveRx& rx) {
+  return rx.dfeMode || saysAny<VgaValues>(rx);
+}
+
+// A port that has no links is not meant by those who say something about links, unless they name it.
+bool hasLinksFor(const SettingsEntry& entry, const ConfigPort& port) {
+  if (!entry.selector.ports.empty() || !entry.selector.userPorts.empty()) return true;
+  const EthernetSettings& ethernet = entry.ethernet;
+  const bool tx = saysAnyTx(entry.transmit) || ethernet.power || ethernet.preEmphasis;
+  const bool rx = saysAnyRx(entry.receive) || ethernet.cdrMode || ethernet.eqMode;
+  return (!tx || port.tx.links != 0) && (!rx || port.rx.links != 0);
+}
+
+bool selects(const SettingsEntry& entry, const AsicState& asic, const PortState& port) {
+  const PortSelector& selector = entry.selector;
   const ConfigPort& config = asic.config.ports[port.port];
   const std::set<std::string>& types = selector.serDesTypes;
   return selector.asic.value_or(asic.asic) == asic.asic && allowsPort(selector.ports, port.port) &&
          allowsPort(selector.userPorts, config.userPort) && allows(selector.kinds, kindOf(asic.config, port.port)) &&
          (allows(types, config.tx.serDesType) || allows(types, config.rx.serDesType)) &&
          allows(selector.media, port.observed.media) && allows(selector.rates, port.configRate) &&
-         allows(selector.runningRates, port.observed.runningRate);
+         allows(selector.runningRates, port.observed.runningRate) && hasLinksFor(entry, config);
 }
 
 class Problems {
@@ -82,28 +114,6 @@ void checkNamed(const SettingsEntry& entry, const SwitchState& now, Problems& pr
   }
 }
 
-// Whether a record says anything, and all of it.
-template <typename Group>
-bool saysAny(const Group& group) {
-  bool any = false;
-  eachField(group, [&](const char*, const auto& value) { any = any || value.has_value(); });
-  return any;
-}
-template <typename Group>
-bool saysAll(const Group& group) {
-  bool all = true;
-  eachField(group, [&](const char*, const auto& value) { all = all && value.has_value(); });
-  return all;
-}
-
-bool saysAnyTx(const LiveTx& tx) {
-  return saysAny<FfeValues>(tx) || tx.slewPs;
-}
-
-bool saysAnyRx(const LiveRx& rx) {
-  return rx.dfeMode || saysAny<VgaValues>(rx);
-}
-
 std::string portText(std::uint32_t asic, std::uint32_t port) {
   return "port " + std::to_string(port) + " of ASIC " + std::to_string(asic);
 }
@@ -126,7 +136,7 @@ SelectedPorts selectFor(const SettingsEntry& entry, const SwitchState& now, Prob
   SelectedPorts selected;
   for (const AsicState& asic : now.asics) {
     for (const PortState& port : asic.ports) {
-      if (selects(entry.selector, asic, port)) selected[asic.asic] |= std::uint32_t{1} << port.port;
+      if (selects(entry, asic, port)) selected[asic.asic] |= std::uint32_t{1} << port.port;
     }
     checkKinds(entry, asic, selected.contains(asic.asic) ? selected[asic.asic] : 0, problems);
   }

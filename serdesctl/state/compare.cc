@@ -61,7 +61,7 @@ void compareFields(const SettingPlace& place, const Fields& before, const Fields
   for (std::size_t i = 0; i < std::min(before.size(), after.size()); ++i) {
     const auto& [name, old] = before[i];
     const SettingValue& now = after[i].second;
-    if (old == now || old.index() == 0 || now.index() == 0) continue;
+    if (old == now || now.index() == 0) continue;
     differences.push_back({place, name, old, now});
   }
 }
@@ -70,10 +70,16 @@ template <typename Link>
 void compareLinks(SettingPlace place, const char* side, const std::vector<Link>& before, const std::vector<Link>& after,
                   std::vector<Difference>& differences) {
   place.side = side;
-  for (std::uint32_t link = 0; link < std::min(before.size(), after.size()); ++link) {
+  for (std::uint32_t link = 0; link < after.size(); ++link) {
     place.link = link;
-    compareFields(place, fieldsOf(before[link]), fieldsOf(after[link]), differences);
+    compareFields(place, fieldsOf(link < before.size() ? before[link] : Link()), fieldsOf(after[link]), differences);
   }
+}
+
+Fields unknown(Fields fields) {
+  for (auto& [name, value] : fields)
+    value = {};
+  return fields;
 }
 
 // By rate from the slowest on.
@@ -84,9 +90,10 @@ void compareCaches(SettingPlace place, const char* side, const std::map<std::str
   for (const ValueName& rate : rateNames) {
     const auto old = before.find(rate.name);
     const auto now = after.find(rate.name);
-    if (old == before.end() || now == after.end()) continue;
+    if (now == after.end()) continue;
     place.rate = rate.name;
-    compareFields(place, fieldsOf(old->second), fieldsOf(now->second), differences);
+    const Fields fields = fieldsOf(now->second);
+    compareFields(place, old == before.end() ? unknown(fields) : fieldsOf(old->second), fields, differences);
   }
 }
 
@@ -197,8 +204,15 @@ const AsicState* asicIn(const SwitchState& state, std::uint32_t asic) {
   return findIn(state.asics, [&](const AsicState& a) { return a.asic == asic; });
 }
 
+SettingPlace placeIn(const AsicState& asic) {
+  SettingPlace place;
+  place.asic = asic.asic;
+  return place;
+}
+
 SettingPlace placeIn(const AsicState& asic, std::uint32_t port) {
-  SettingPlace place = {.asic = asic.asic, .port = port};
+  SettingPlace place = placeIn(asic);
+  place.port = port;
   if (port < asic.config.ports.size()) place.userPort = asic.config.ports[port].userPort;
   return place;
 }
@@ -220,7 +234,7 @@ void compareAsics(const AsicState& before, const AsicState& after, Comparison& r
     if (portIn(after, old.port) == nullptr) result.notInSecond.push_back(placeIn(before, old.port));
   }
   if (before.registers && after.registers) {
-    comparePlls({.asic = before.asic}, *before.registers, *after.registers, result.registers);
+    comparePlls(placeIn(before), *before.registers, *after.registers, result.registers);
   }
 }
 
@@ -244,7 +258,8 @@ std::string textOf(const SettingValue& value) {
 }
 
 std::string textOf(const SettingPlace& place) {
-  std::string text = "ASIC " + std::to_string(place.asic);
+  if (!place.asic) return "the switch";
+  std::string text = "ASIC " + std::to_string(*place.asic);
   if (place.core) text += " core " + std::to_string(*place.core);
   if (place.port) text += " port " + std::to_string(*place.port);
   if (place.userPort) text += " (user " + std::to_string(*place.userPort) + ")";
@@ -260,11 +275,11 @@ Comparison compare(const SwitchState& before, const SwitchState& after) {
     if (const AsicState* const old = asicIn(before, now.asic)) {
       compareAsics(*old, now, result);
     } else {
-      result.notInFirst.push_back({.asic = now.asic});
+      result.notInFirst.push_back(placeIn(now));
     }
   }
   for (const AsicState& old : before.asics) {
-    if (asicIn(after, old.asic) == nullptr) result.notInSecond.push_back({.asic = old.asic});
+    if (asicIn(after, old.asic) == nullptr) result.notInSecond.push_back(placeIn(old));
   }
   return result;
 }

@@ -18,7 +18,7 @@ std::string textOf(const SettingValue& value);
 
 // Where in a switch a value stands. Of link and rate at most one is told.
 struct SettingPlace {
-  std::uint32_t asic = 0;
+  std::optional<std::uint32_t> asic{};  // nothing: the switch as such
   std::optional<std::uint32_t> port{};  // nothing: the ASIC as such, or a core
   std::optional<std::uint32_t> userPort{};
   std::optional<std::uint32_t> core{};
@@ -50,7 +50,8 @@ struct Comparison {
   std::vector<SettingPlace> notInSecond;
 };
 
-// In order of ASIC and port. What either does not tell is no difference: in a wanted state nothing means as it is.
+// In order of ASIC and port. What `after` does not tell is no difference: in a wanted state nothing means as it is.
+// What it tells and `before` does not differs from nothing.
 Comparison compare(const SwitchState& before, const SwitchState& after);
 
 }  // namespace serdesctl

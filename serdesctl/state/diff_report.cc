@@ -56,7 +56,7 @@ Json placeJson(const SettingPlace& place) {
 Json placesJson(const std::vector<SettingPlace>& places) {
   Json result = Json::array();
   for (const SettingPlace& place : places)
-    result.push_back({{"asic", place.asic}, {"port", json(place.port)}});
+    result.push_back({{"asic", json(place.asic)}, {"port", json(place.port)}});
   return result;
 }
 

@@ -66,6 +66,8 @@ struct Unread {
   std::optional<std::uint32_t> port{};  // nothing: the ASIC as such
   std::string what;                     // the kind of records, for caches with their rate: "tx_cache_raw 8G"
   std::string why;
+
+  bool operator==(const Unread&) const = default;
 };
 
 struct SwitchState {

@@ -31,8 +31,7 @@ int performDiff(const Options& options) {
   Output output(STDOUT_FILENO);
   output.write(diff.json ? jsonDiff(comparison, names) : textDiff(comparison, names, colour));
   output.flush();
-  const bool allRead = diff.after.empty() ? after.state.unread.empty() : true;
-  return isSame(comparison) && allRead ? kDone : kFailed;
+  return isSame(comparison) && before.state.unread == after.state.unread ? kDone : kFailed;
 }
 
 }  // namespace serdesctl

@@ -22,7 +22,8 @@ CaptureChoice choiceOf(const SaveOptions& options) {
   if (!options.ports.empty()) {
     choice.ports = [&](const ConfigText& config) { return portsOfList(options.ports, config); };
   }
-  if (options.asic != "all") choice.asics = {options.asic == "0" ? 0U : 1U};
+  const bool all = options.asic == "all" || (options.asic.empty() && options.ports.empty());
+  if (!all) choice.asics = {options.asic == "1" ? 1U : 0U};
   return choice;
 }
 
