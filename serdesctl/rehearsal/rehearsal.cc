@@ -165,10 +165,9 @@ std::string missingInList(const Words& words, const ListPlace& place, bool known
 }  // namespace
 
 Words loopedCommand(const Words& words) {
-  const CmdTableEntry* const row = words.empty() ? nullptr : findCommand(words[0]);
+  const CmdTableEntry* const row = findCommand(words.at(0));
   if (row == nullptr || row->handler != loopCmdHandler || asksForHelp(words)) return {};
-  const auto count = static_cast<std::int32_t>(words.size());
-  if (count < row->minArgs || count > row->maxArgs) return {};
+  if (static_cast<std::int32_t>(words.size()) < row->minArgs) return {};
   return {words.begin() + 1, words.end()};
 }
 

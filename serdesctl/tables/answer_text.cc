@@ -297,7 +297,7 @@ constexpr std::array<CommandOutput, 24> kOutputs = {{
 // What the command prints when it succeeds.
 CommandOutput outputOf(const Words& words) {
   const CommandOutput nothing = {.handler = nullptr, .kind = indexOf<std::monostate>()};
-  const CmdTableEntry* const row = words.empty() ? nullptr : findCommand(words[0]);
+  const CmdTableEntry* const row = findCommand(words.at(0));
   if (row == nullptr) return nothing;
   if (asksForHelp(words)) return {.handler = row->handler, .kind = kTable<CommandHelp>};
   const auto found =

@@ -39,11 +39,6 @@ bool TextCursor::skip(std::string_view expected) {
   return true;
 }
 
-void TextCursor::skipBlanks() {
-  while (!atEnd() && text_[at_] == ' ')
-    ++at_;
-}
-
 std::int32_t TextCursor::number() {
   std::int32_t value = 0;
   const char* const begin = text_.data() + at_;

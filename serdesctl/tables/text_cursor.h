@@ -59,7 +59,6 @@ class TextCursor {
   void expect(std::string_view expected);
   // The same, if it is there.
   bool skip(std::string_view expected);
-  void skipBlanks();
 
   // A decimal number as %d prints it; the 32 bits behind it are the same for signed and unsigned ones.
   std::int32_t number();

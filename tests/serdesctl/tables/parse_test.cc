@@ -3,15 +3,20 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdio>
 #include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "serdesctl/tables/cells.h"
 #include "serdesctl/tables/config_text.h"
 #include "shell/command_reader.h"
 #include "shell/session.h"
 #include "tests/support/expected.h"
 #include "tests/support/tool_test.h"
+#include "topology/serdes_topology.h"
 
 namespace serdesctl {
 namespace {
@@ -254,6 +259,119 @@ TEST_F(ParseTest, ListsThatSelectNothingGiveNoRecords) {
   EXPECT_TRUE(std::get<std::vector<Rate>>(parsed("showRate 30")).empty());
 }
 
+// The text with a row's cells replaced.
+std::string withCells(std::string text, const std::string& label, const std::string& cells) {
+  const std::size_t begin = text.find("\n" + label) + 1 + padded(label, label.size() < 18 ? 18 : 19).size();
+  return text.replace(begin, text.find('\n', begin) - begin, cells);
+}
+
+TEST_F(ParseTest, CountsAreShortenedInOneWay) {
+  const std::string text = run("showDFEStats 0").out;
+  const auto countOf = [&](const std::string& cell) {
+    const Records records = parseOutput("showDFEStats 0", withCells(text, "Decode Errors", " " + cell), config_);
+    return std::get<std::vector<DfeStats>>(records)[0].decodeErrors.value();
+  };
+  EXPECT_EQ(countOf("2e05 ").number, 2e5);
+  EXPECT_EQ(countOf("10e04 ").number, 1e5);
+  EXPECT_EQ(countOf("2e19 ").number, 2e19);
+  EXPECT_EQ(countOf("   7 ").highest, 7U);
+  for (const std::string cell :
+       {"2e", "2ex ", "2e5 ", "2e03 ", "3e19 ", "2e20 ", "0e05 ", "11e04 ", "12345 ", "  -1 "}) {
+    EXPECT_NE(errorOf([&] { (void)countOf(cell); }), "no error") << cell;
+  }
+}
+
+TEST_F(ParseTest, SingleValuesHaveBounds) {
+  const std::string text = run("readRx 6 1 2").out;
+  EXPECT_EQ(error("readRx 6 1 2", text), "no error");
+  const auto with = [&](const std::string& part, const std::string& other) {
+    std::string changed = text;
+    return error("readRx 6 1 2", changed.replace(changed.find(part), part.size(), other));
+  };
+  EXPECT_NE(with("= 0x", "= 0x1").find("a register of 16 bits"), std::string::npos);
+  EXPECT_NE(with("user port ", "user port 99999").find("a user port"), std::string::npos);
+  EXPECT_NE(with("user port ", "user port -").find("a user port"), std::string::npos);
+}
+
+TEST_F(ParseTest, PllTablesHaveBounds) {
+  const std::string text = run("showPLL 0").out;
+  const std::string row =
+      text.substr(text.find("PLL register 0x00"), text.find("PLL register 0x01") - text.find("PLL register 0x00"));
+  std::string rows;
+  for (unsigned address = 0; address <= kMaxRegisters; ++address) {
+    std::array<char, 8> number;
+    std::snprintf(number.data(), number.size(), "%02x", address);
+    rows += std::string(row).replace(row.find("00"), 2, number.data());
+  }
+  EXPECT_NE(error("showPLL 0", text.substr(0, text.find("PLL register")) + rows + "\n").find("the end of the table"),
+            std::string::npos);
+  std::string cores = padded("");
+  for (unsigned core = 0; core <= kMaxCores; ++core)
+    cores += "core ";
+  EXPECT_NE(error("showPLL 0", cores + "\n").find("the end of the row"), std::string::npos);
+  ConfigText other = config_;
+  other.cores[0].serDesType = "OTHER";
+  EXPECT_EQ(std::get<std::vector<PllRegisters>>(parseOutput("showPLL 0", text, other))[0].serDesType, "TYPE-2");
+  other.cores.clear();
+  EXPECT_EQ(std::get<std::vector<PllRegisters>>(parseOutput("showPLL 0", text, other))[0].serDesType, "TYPE-2");
+}
+
+// A table by port with the last column of its head once more.
+std::string withColumnAgain(const std::string& text, const std::string& linkCell) {
+  std::string result;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    const bool inHead = line.starts_with("===") || line.starts_with("ASIC port") || line.starts_with("user port");
+    const bool name = line.starts_with("running rate") || line.starts_with("media type");
+    if (inHead || name) line += line.substr(line.size() - 5);
+    if (line.starts_with("link num")) line += linkCell;
+    result += line + "\n";
+  }
+  return result;
+}
+
+TEST_F(ParseTest, HeadsCountLinks) {
+  const std::string text = run("showSlew 6").out;
+  EXPECT_NE(error("showSlew 6", withColumnAgain(text, "   4 ")), "no error");
+  EXPECT_NE(error("showSlew 5", withColumnAgain(run("showSlew 5").out, "   2 ")), "no error");
+  const std::string head = run("showSlew 5").out;
+  const std::size_t user = head.find("\nuser port") + 1;
+  EXPECT_NE(
+      error("showSlew 6", std::string(text).replace(text.find("\nuser port") + 1, 25, head.substr(user, 24) + " ")),
+      "no error");
+  EXPECT_NE(error("showSlew 6", std::string(text).replace(text.find("\nuser port") + 1 + 20, 5, "  99 ")), "no error");
+}
+
+// The text whose row has its last cell so many times.
+std::string withLastCell(std::string text, const std::string& label, int times) {
+  const std::size_t end = text.find('\n', text.find("\n" + label) + 1);
+  std::string cells;
+  for (int i = 0; i < times; ++i)
+    cells += text.substr(end - 5, 5);
+  return text.replace(end - 5, 5, cells);
+}
+
+TEST_F(ParseTest, RowsHaveACellPerLink) {
+  const std::string slew = run("showSlew 0 1").out;
+  EXPECT_NE(error("showSlew 0 1", withLastCell(slew, "slew rate", 0)).find("columns and 1 cells"), std::string::npos);
+  const std::string vga = run("showVGA 0").out;
+  EXPECT_EQ(logError(vga, {.command = "showVGA 0"}), "no error");
+  EXPECT_NE(logError(vga, {.command = "showVGA gl"}).find("showConfig tells"), std::string::npos);
+  std::string wide = vga;
+  for (const char* label : {"pole", "peak", "amax"})
+    wide = withLastCell(wide, label, 5);
+  EXPECT_NE(logError(wide, {.command = "showVGA 0"}).find("a port with 5 receive links"), std::string::npos);
+  EXPECT_NE(error("showVGA 0", wide).find("not as many as the topology has"), std::string::npos);
+  EXPECT_NE(logError(wide, {.configs = {config_}}).find("not as many as the topology has"), std::string::npos);
+  std::string narrow = run("showVGA 6").out;
+  for (const char* label : {"pole", "peak", "amax"})
+    narrow = withLastCell(narrow, label, 0);
+  EXPECT_NE(error("showVGA 6", narrow).find("not as many as the topology has"), std::string::npos);
+  platform.ports[0].rx.linkCount = 0;
+  discover();
+  EXPECT_EQ(logError(run("showVGA 0").out), "no error");
+}
+
 // Logs.
 
 // What the tool prints for a line, its status message included.
@@ -361,6 +479,35 @@ TEST_F(LogTest, ComplaintsGoWithTheirStatus) {
   EXPECT_STREQ(kindName(answers[1].records), "ffe");
   EXPECT_NE(logError("showFFECmdHandler: serdes err -7\n\n\n"), "no error");
   EXPECT_NE(logError("showFFECmdHandler: serdes err 7\nerror during command execution\n\n"), "no error");
+}
+
+TEST_F(LogTest, SelectionsThatFailLeaveNoTopology) {
+  const std::string known = start() + runStream("showConfig\n");
+  const std::string refusal = "error during command execution\n\n";
+  const std::string table = run("showVGA 0").out + "\n\n";
+  EXPECT_EQ(logError(known + table), "no error");
+  for (const std::string& failure :
+       {"setAsicNumCmdHandler: serdes err -3\n" + refusal, "serdes: setAsicNum 1\n" + refusal,
+        "serdes: showFFE 0\n" + refusal + "serdes: san 1\n" + refusal}) {
+    EXPECT_NE(logError(known + failure + table).find("showConfig tells"), std::string::npos) << failure;
+  }
+  EXPECT_EQ(logError(known + "serdes: showFFE 0\n" + refusal + "serdes: showVGA 0\n" + table), "no error");
+}
+
+TEST_F(LogTest, ATextMayEndWithItsOutput) {
+  const auto failed = parseLog("showFFECmdHandler: serdes err -7\n", {});
+  EXPECT_EQ(failed[0].status, CMD_EXEC_ERROR);
+  EXPECT_EQ(parseLog(run("readRx 6 1 2").out, {})[0].status, CMD_OK);
+  EXPECT_EQ(parseLog("serdes: " + run("readRx 6 1 2").out + "\n\n" + start(), {}).size(), 2U);
+}
+
+TEST_F(LogTest, ALoopOverHelpGoesOn) {
+  const std::string help = run("setRate ?").out;
+  EXPECT_EQ(kindsOf(parseLog(help + "That is 1 passes.\n\n" + help + "\n\n", {})),
+            (std::vector<std::string>{"command_help", "command_help"}));
+  const std::string value = run("readRx 6 1 2").out;
+  EXPECT_EQ(kindsOf(parseLog(value + "That is 1 passes. To stop looping, enter <cr>.\n\n\n\n", {})),
+            (std::vector<std::string>{"rx_register"}));
 }
 
 TEST_F(LogTest, EachAsicHasItsTopology) {

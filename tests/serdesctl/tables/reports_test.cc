@@ -128,5 +128,20 @@ TEST(CsvReport, RecordsOfTwoKindsAreRefused) {
   EXPECT_THROW((void)csvReport(std::vector{answered(std::vector{slew()}), answered(std::vector<Rate>{})}), UsageError);
 }
 
+TEST(HealthTable, WhatIsNotKnownIsADash) {
+  HealthReport report;
+  PortHealth port;
+  port.reason = "nobody knows";
+  report.ports.push_back(port);
+  port.place.userPort = 8;
+  port.streamEnabled = false;
+  port.crcErrors = Count{.number = 2e5, .lowest = 150000, .highest = 250000};
+  report.ports.push_back(port);
+  EXPECT_EQ(textReport(report),
+            "VERDICT  ASIC  PORT  USER  TYPE  RATE  MEDIA  STREAM  AMIN  AP  DECODE      CRC  REASON\n"
+            "unknown  0     0     -     -     -     -      -          -   -       -        -  nobody knows\n"
+            "unknown  0     0     8     -     -     -      off        -   -       -  ~200000  nobody knows\n");
+}
+
 }  // namespace
 }  // namespace serdesctl

@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <set>
 
 #include "serdesctl/base/errors.h"
@@ -70,6 +71,36 @@ TEST_F(JournalFileTest, WritersThatMakeRoomLoseNothingOfEachOther) {
   const std::vector<std::string> lines = readJournal(folder_, ignore);
   EXPECT_EQ(lines.size(), static_cast<std::size_t>(kWriters * kLines));
   EXPECT_EQ(std::set<std::string>(lines.begin(), lines.end()).size(), lines.size());
+}
+
+TEST_F(JournalFileTest, AnotherFileOfTheNameIsTakenUp) {
+  JournalFile file(folder_, ignore);
+  file.append("one\n", true);
+  const std::string name = folder_ + "/journal.jsonl";
+  std::filesystem::rename(name, name + ".1");
+  file.append("two\n", true);
+  std::filesystem::rename(name, name + ".1");
+  std::ofstream(name) << "other\n";
+  file.append("three\n", true);
+  EXPECT_EQ(readJournal(folder_, ignore), (std::vector<std::string>{"two", "other", "three"}));
+}
+
+TEST_F(JournalFileTest, WithoutOldFilesTheOnlyOneBeginsAnew) {
+  JournalFile file(folder_, ignore, {.mostBytes = 8, .oldFiles = 0});
+  for (const char* line : {"first\n", "second\n"})
+    file.append(line, false);
+  EXPECT_EQ(readJournal(folder_, ignore), std::vector<std::string>{"second"});
+}
+
+TEST_F(JournalFileTest, AFileThatCannotBeReadIsSaid) {
+  std::filesystem::create_symlink("journal.jsonl", folder_ + "/journal.jsonl");
+  std::string notices;
+  EXPECT_TRUE(readJournal(folder_, [&](const std::string& text) { notices += text; }).empty());
+  EXPECT_EQ(notices, folder_ + "/journal.jsonl: Too many levels of symbolic links");
+}
+
+TEST_F(JournalFileTest, WithoutAFolderNothingIsAppended) {
+  EXPECT_THROW(JournalFile("", ignore).append("line\n", false), WriteError);
 }
 
 TEST_F(JournalFileTest, AFolderThatIsNotThereIsAnError) {

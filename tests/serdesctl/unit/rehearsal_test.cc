@@ -131,7 +131,41 @@ TEST(Rehearsal, AnUnknownAsicRefusesOnlyWhatNoAsicHas) {
   EXPECT_EQ(rehearsal.judge(splitWords("readRx 0 4 0")).missing, "link 4 of port 0");
 }
 
+TEST(Rehearsal, ThePlatformHasNothingBeyondItsBounds) {
+  const Rehearsal rehearsal(smallSwitch());
+  unsigned number = 0;
+  unsigned short port = 0;
+  SerDesType type{};
+  EXPECT_NE(AsicControl::GetSerDesInfo(kMostAsics, &number, &number), 0);
+  EXPECT_EQ(AsicControl::GetSerDesInfo(0, &number, &number), 0);
+  for (const auto& [asic, place] :
+       {std::pair(unsigned{kMostAsics}, 0U), std::pair(0U, unsigned{kMaxCores}), std::pair(0U, unsigned{kMaxPorts})}) {
+    const bool isCore = asic == 0 && place < kMaxCores;
+    EXPECT_EQ(AsicControl::GetSerDesInfo(asic, place, &port, &type, &number, &number, &number, &number, &number) == 0,
+              isCore);
+    if (asic != 0 || place >= kMaxPorts) {
+      EXPECT_NE(AsicControl::GetSerDesInfo(asic, place, SERDES_LINK_RX, &number, &type, &number), 0);
+      Port_HW_Config_t config{};
+      EXPECT_NE(PortControl::GetPortHwConfig({.userPort = 0,
+                                              .asic = static_cast<unsigned char>(asic),
+                                              .asicPort = static_cast<unsigned char>(place),
+                                              .unused = {}},
+                                             &config),
+                0);
+    }
+  }
+  EXPECT_EQ(AsicControl::ToString(static_cast<SerDesType>(kSerDesTypeCount)), nullptr);
+}
+
+TEST(Rehearsal, WhatIsMissingOnAnotherAsicIsFound) {
+  Rehearsal rehearsal(smallSwitch());
+  EXPECT_EQ(rehearsal.judge(splitWords("san 1")).status, CMD_OK);
+  EXPECT_EQ(rehearsal.judge(splitWords("showRate 24")).missing, "port 24 of ASIC 1");
+  EXPECT_EQ(rehearsal.judge(splitWords("setAsicNum")).status, CMD_TOO_FEW_ARGS);
+}
+
 TEST(SelectedAsic, IsFoundInLoopsToo) {
+  EXPECT_EQ(selectedAsic(splitWords("setAsicNum")), std::nullopt);
   EXPECT_EQ(selectedAsic(splitWords("loop san 1")), 1U);
   EXPECT_EQ(selectedAsic(splitWords("showRate 1")), std::nullopt);
   EXPECT_EQ(selectedAsic(splitWords("setAsicNum one")), std::nullopt);
