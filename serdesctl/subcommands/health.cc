@@ -131,7 +131,7 @@ class Health {
 
   void look(Looks AskedPorts::*looks) {
     for (AskedPorts& asic : asics_) {
-      if (asics_.size() > 1 || options_.health.clear) asic.asked.select();
+      if (asics_.size() > 1 || !complete_ || options_.health.clear) asic.asked.select();
       asic.*looks = lookAt(asic.asked, asic.ports, secondsNow);
     }
   }

@@ -48,6 +48,7 @@ HOW: dict[str, Callable[[bytes], Iterable[Act]]] = {
     "trickles": lambda _: cycle([b"x", 0.05]),
     "is_slow": lambda answer: [answer[: len(answer) // 2], 0.2, answer[len(answer) // 2 :]],
     "byte_by_byte": byte_by_byte,
+    "refuses": lambda _: [b"handler: serdes err -5\nerror during command execution" + END],
     "garbage": lambda _: [bytes(range(256)) * 3 + END],
     "garbage_and_hangs": lambda _: [bytes(range(256)), FOR_EVER],
     "no_message": lambda _: [b"something without a newline" + END],

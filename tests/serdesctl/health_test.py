@@ -83,6 +83,31 @@ class Health(ProgramTest):
         self.assertEqual((done.status, done.out), (1, ""))
         self.assertNotIn("ClrFrameStatCntrs", trace.read_text())
 
+    def test_clearing_that_is_refused(self) -> None:
+        self.misbehaving("refuses", "clearErrors 2")
+        status, out, err = self.ctl("health", "--clear", "2")
+        self.assertEqual((status, out), (1, ""))
+        self.assertIn("clearErrors 2: error during command execution (handler: serdes err -5)", err)
+        entries = [json.loads(line) for line in self.ctl("journal", "--json").out.splitlines()]
+        self.assertEqual([e["status_name"] for e in entries], ["CMD_OK", "CMD_EXEC_ERROR"])
+
+    def test_clearing_whose_answer_is_lost(self) -> None:
+        self.misbehaving("dies", "clearErrors 2")
+        self.assertEqual(self.ctl("health", "--clear", "2").status, 3)
+        entries = [json.loads(line) for line in self.ctl("journal", "--json").out.splitlines()]
+        self.assertEqual([e["result"] for e in entries], ["answered", "unknown"])
+        self.assertIn("ended with status 7 in the answer to 'clearErrors 2'", entries[1]["reason"])
+        self.assertIn("clearErrors 2  (unknown: local: the tool ended", self.ctl("journal").out)
+
+    def test_an_asic_that_cannot_be_asked(self) -> None:
+        self.misbehaving("refuses", "setAsicNum 1")
+        status, out, err = self.ctl("health")
+        self.assertEqual(
+            (status, err), (1, "serdesctl: setAsicNum 1: error during command execution (handler: serdes err -5)\n")
+        )
+        self.assertEqual(out.count("\n"), 25)
+        self.assertEqual(self.ctl("health", "--asic", "1"), (1, "", err))
+
     def test_awkward_and_faulty_switches(self) -> None:
         for name, status in (("awkward", 1), ("faulty", 0)):
             done = self.ctl("-t", f"sim:{shipped_switch(name)}", "health", "--json")

@@ -74,10 +74,19 @@ class Journal(ProgramTest):
         self.assertEqual(self.entries("--target", "sim"), [first])
         self.assertEqual(self.entries("--run", second["run"]), [second])
         self.assertEqual(self.entries("--since", second["time"]), [second])
-        for since in ("1h", "2001-01-01", "2001-01-01T10:00", "2001-01-01 10:00:01"):
+        for since in ("600s", "90m", "1h", "7d", "2001-01-01", "2001-01-01T10:00", "2001-01-01 10:00:01"):
             self.assertEqual(self.entries("--since", since), [first, second])
         self.assertEqual(self.entries("--since", "2901-01-01"), [])
-        for since in ("yesterday", "5w", "2001-1-1", "-1h", "2001-01-01T10"):
+        for since in (
+            "yesterday",
+            "2000000s",
+            "2001-01-01T10:00:00.0000000",
+            "2001-01-01T10:00:00,5",
+            "5w",
+            "2001-1-1",
+            "-1h",
+            "2001-01-01T10",
+        ):
             status, out, err = self.ctl("journal", f"--since={since}")
             self.assertEqual((status, out), (2, ""))
             self.assertIn(since, err)
@@ -87,6 +96,12 @@ class Journal(ProgramTest):
         self.assertEqual(self.run_script("setRate 8G 1\nsetRate 8G 2\n")[0], 0)
         seen = [json.loads(line) for line in (self.folder / "seen").read_text().splitlines()]
         self.assertEqual([(r["n"], r["event"]) for r in seen], [(1, "intent"), (1, "answered"), (2, "intent")])
+
+    def test_what_became_of_an_intent_that_is_gone(self) -> None:
+        self.assertEqual(self.run_script("setRate 8G 1\nsetRate 8G 2\n")[0], 0)
+        lines = self.journal_file().read_text().splitlines(keepends=True)
+        self.journal_file().write_text("".join(lines[1:]))
+        self.assertEqual([e["command"] for e in self.entries()], ["setRate 8G 2"])
 
     def test_kill_leaves_what_is_known(self) -> None:
         self.misbehaving("hangs", "setRate 8G 2")

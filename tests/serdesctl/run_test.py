@@ -3,8 +3,12 @@
 
 from __future__ import annotations
 
+import functools
+import os
+import resource
 import time
 import unittest
+from pathlib import Path
 
 from program import ProgramTest, plain_tool
 from schemas import load
@@ -190,6 +194,14 @@ class Refusing(ProgramTest):
             "showRate x #: expect 5": "status 5 is expected, and it would be 6 (invalid command parameter)",
             "showRate \0 1": "a NUL character",
             "setRate ? \x01": "a control character",
+            "setRate ? \x7f": "a control character",
+            "setAsicNum": "too few command args; setAsicNum takes asicNum",
+            "#: wait s": "'s' is no time from 0s to 86400s",
+            "#: wait 1xs": "'1xs' is no time from 0s to 86400s",
+            "#: wait 86401s": "'86401s' is no time from 0s to 86400s",
+            "#: expect x": "'x' is no status from 0 to 10",
+            "#: expect -1": "'-1' is no status from 0 to 10",
+            "#: hope 6": "#: is followed by 'wait SECONDSs' or 'expect STATUS'",
             "#: expect 4": None,
             "#: expect 5": "no command follows the #: expect before",
             "readRx": "status 4 is expected, and it would be 3 (too few command args)",
@@ -239,6 +251,10 @@ class CommandLine(ProgramTest):
             (("bogus",), "unknown subcommand 'bogus'"),
             ((), "a subcommand is missing"),
             (("--bogus",), "unknown option '--bogus'"),
+            (("-",), "unknown subcommand|unknown word '-'|a subcommand is missing"),
+            (("journal", "word"), "unknown word 'word'"),
+            (("journal", "-"), "unknown word '-'"),
+            (("--timeout",), "--timeout requires an argument|--timeout: 1 required"),
             (("run", "--bogus", "x"), "unknown option '--bogus'"),
             (("run",), "SCRIPT is required"),
             (("--timeout", "soon", "run", "x"), "--timeout: Value soon not in range"),
@@ -248,7 +264,9 @@ class CommandLine(ProgramTest):
             (("-t", "sim:", "run", "x"), "names no file"),
             (("-t", "ssh:-oProxyCommand=x", "run", "x"), "is no .USER@.HOST"),
             (("-t", "ssh:", "run", "x"), "is no .USER@.HOST"),
+            (("-t", "ssh:a\x01b", "run", "x"), "is no .USER@.HOST"),
             (("--state", "x", "run", "x"), "--state goes with the target sim"),
+            (("-t", "lab", "--state", "x", "run", "x"), "--state goes with the target sim"),
         ):
             with self.subTest(words):
                 status, out, err = self.ctl(*words)
@@ -265,6 +283,64 @@ class CommandLine(ProgramTest):
             status, out, err = self.ctl(*words)
             self.assertEqual((status, err), (0, ""))
             self.assertIn(text, out)
+
+    def test_the_tool_beside_the_program_is_found(self) -> None:
+        del self.env["SERDESCTL_TOOL"]
+        self.env["LD_LIBRARY_PATH"] = str(self.folder)
+        self.assertEqual(self.ctl("-t", "sim", "show", "readRx", "0", "0", "1").status, 0)
+
+    def test_the_tool_in_the_path_is_a_program(self) -> None:
+        (self.folder / "folder" / "tool").mkdir(parents=True)
+        (self.folder / "bin").mkdir()
+        (self.folder / "bin" / "tool").symlink_to(self.env["SERDES"])
+        self.script("no program", "tool")
+        self.env["SERDESCTL_TOOL"] = "tool"
+        self.env["PATH"] = f":{self.folder}:{self.folder}/folder:{self.folder}/bin:{self.env['PATH']}"
+        self.assertEqual(self.run_script("readRx 0 0 1\n").status, 0)
+
+    def test_a_switch_that_does_not_tell_its_topology(self) -> None:
+        self.misbehaving("refuses", "showConfig")
+        status, out, err = self.run_script("readRx 0 0 1\n")
+        self.assertEqual((status, out, err), (3, "", "serdesctl: showConfig: error during command execution\n"))
+
+    def test_an_asic_that_cannot_be_selected(self) -> None:
+        self.misbehaving("refuses", "setAsicNum 1")
+        status, _, err = self.run_script("setAsicNum 1\nshowRate 12\n")
+        self.assertEqual(status, 1)
+        self.assertIn("script:1: setAsicNum 1: error during command execution", err)
+
+    def test_the_lock_of_a_named_target(self) -> None:
+        name = f"test-{os.getpid()}/x"
+        folder = self.folder / "configuration" / "serdesctl"
+        folder.mkdir(parents=True)
+        (folder / "targets.toml").write_text(f'["{name}"]\ncommand = ["{self.env["SERDES"]}"]\n')
+        self.env["XDG_CONFIG_HOME"] = str(self.folder / "configuration")
+        status, _, err = self.ctl("-t", name, "run", self.script("readRx 0 0 1\n"))
+        self.assertEqual((status, err), (0, ""))
+        locks = [
+            Path(folder) / f"serdes.{name.replace('/', '_')}.lock" for folder in ("/run/lock", "/var/lock", "/tmp")
+        ]
+        (lock,) = {lock.resolve() for lock in locks if lock.exists()}
+        lock.unlink()
+        self.assertIn(
+            "unknown target 'other'",
+            self.ctl("-t", "other", "journal", "x").err + self.ctl("-t", "other", "health").err,
+        )
+
+    def test_few_descriptors_are_an_error(self) -> None:
+        """However few there are: it does all, or says why not."""
+        script = self.script("setRate 8G 1\n")
+        statuses = set()
+        for most in range(3, 24):
+            limit = functools.partial(resource.setrlimit, resource.RLIMIT_NOFILE, (most, most))
+            status, out, err = self.ctl("-t", "sim", "run", script, preexec_fn=limit)
+            statuses.add(status)
+            if status == 0:
+                self.assertEqual((out, err), ("\n\n", ""))
+            else:
+                self.assertIn(status, (1, 2, 3, 127), err)
+                self.assertNotEqual(err, "")
+        self.assertGreater(len(statuses), 1)
 
     def test_named_targets(self) -> None:
         folder = self.folder / ".config" / "serdesctl"
@@ -285,6 +361,12 @@ class CommandLine(ProgramTest):
             ("[lab]\ncommand = []\n", "2: lab.command: is not a list of words"),
             ('[lab]\nlock = "x"\n', "1: lab.command: is missing"),
             ('[lab]\nssh = "a b"\n', "is no [USER@]HOST"),
+            ('[lab]\nssh = ""\n', "2: lab.ssh: is not a text"),
+            ("[lab]\nssh = 5\n", "2: lab.ssh: is not a text"),
+            ('[lab]\ncommand = ["x"]\nenvironment = 5\n', "3: lab.environment: is not a table"),
+            ('[lab]\ncommand = ["x"]\nenvironment = { "" = "x" }\n', "3: lab.environment: bad name"),
+            ('[lab]\ncommand = ["x"]\nenvironment = { "a=b" = "x" }\n', "3: lab.environment: bad name"),
+            ('[other]\ncommand = ["x"]\n', "unknown target 'lab'"),
             ('[lab]\nssh = "a\\n"\n', "2: lab.ssh: has a control character"),
             ("[lab\n", "1: "),
         ):

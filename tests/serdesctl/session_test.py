@@ -172,6 +172,22 @@ class LeftBehind(ProgramTest):
                 self.assertEqual((process.returncode, err), (128 + number, "serdesctl: interrupted\n"))
                 self.assert_ended(self.tool_pids())
 
+    def test_interrupt_ends_a_start(self) -> None:
+        self.misbehaving("start", "hangs")
+        process = self.start("run", self.script(SCRIPT))
+        self.wait_until((self.folder / "tool.pid").exists, "it does not start")
+        self.wait_until(lambda: handles(process.pid, signal.SIGINT), "it does not start")
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=LIMIT_SECONDS)
+        self.assertEqual(process.returncode, 130)
+
+    def test_interrupt_ends_an_answer_without_an_end(self) -> None:
+        process = self.started("trickles")
+        self.wait_until((self.folder / "triggered").exists, "not sent")
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=LIMIT_SECONDS)
+        self.assertEqual(process.returncode, 130)
+
     def test_interrupt_ends_a_pause(self) -> None:
         process = self.start("run", self.script("readRx 0 0 1\n#: wait 1000s\nreadRx 0 0 2\n"))
         self.assertIn("0x01", process.stdout.readline())
@@ -279,6 +295,16 @@ class Locks(ProgramTest):
         process.send_signal(signal.SIGINT)
         process.communicate(timeout=LIMIT_SECONDS)
         self.assertEqual(process.returncode, 130)
+
+    def test_a_lock_that_nobody_signed(self) -> None:
+        self.hold("")
+        self.assertIn("locked by somebody (", self.run_script("readRx 0 0 1\n").err)
+
+    def test_a_lock_that_cannot_be_made(self) -> None:
+        self.env["SERDESCTL_LOCK"] = str(self.folder / "none" / "lock")
+        status, out, err = self.run_script("readRx 0 0 1\n")
+        self.assertEqual((status, out), (3, ""))
+        self.assertIn("No such file or directory", err)
 
     def test_a_lock_file_that_is_none(self) -> None:
         os.mkfifo(self.env["SERDESCTL_LOCK"])
