@@ -22,6 +22,11 @@ std::string selectionText(const SettingsFile& file, const SettingsEntry& entry, 
   return file.name + ":" + std::to_string(entry.line) + ": " + (text.empty() ? "no port" : text) + "\n";
 }
 
+std::string countText(const SettingsFile& file) {
+  const std::size_t count = file.entries.size();
+  return file.name + ": " + std::to_string(count) + (count == 1 ? " entry\n" : " entries\n");
+}
+
 std::string checkOnSwitch(const SettingsFile& file, const CommonOptions& common) {
   const Save now = captureSave(common, [](const SwitchText&) { return CaptureChoice{.statistics = false}; });
   (void)wantedState(file, now.state);
@@ -38,8 +43,7 @@ int performSettings(const Options& options) {
   const SettingsFile file = readSettings(options.settings.file);
   const bool alone = options.common.target.target.empty();
   Output output(STDOUT_FILENO);
-  output.write(alone ? file.name + ": " + std::to_string(file.entries.size()) + " entries\n"
-                     : checkOnSwitch(file, options.common));
+  output.write(alone ? countText(file) : checkOnSwitch(file, options.common));
   output.flush();
   return kDone;
 }

@@ -103,7 +103,7 @@ TEST(StateJson, RefusesValuesWithTheirPlace) {
       {"\"schema\": 1", "\"schema\": 2", "/schema: this program knows schema 1 and not 2"},
       {"\"kind\": \"save\"", "\"kind\": \"rate\"", "/kind: not \"save\": this is no save of a switch"},
       {"\"tx_links\": 1", "\"tx_links\": 2", "/asics/0/ports/0/tx: not of the port's 2 links"},
-      {"\"tx_links\": 1", "\"tx_links\": 5", "/asics/0/topology/ports/0/tx_links: not a number from 0 to 4"},
+      {"\"tx_links\": 1", "\"tx_links\": -5", "/asics/0/topology/ports/0/tx_links: not a number from 0 to 4294967295"},
       {"\"unread\": []", "\"unread\": [{}]", "/unread/0: has no 'asic'"},
       {"\"unread\": []", "\"unread\": 3", "/unread: not a list"},
       {"\"port_type\": null", "\"port_type\": \"fc\"", "/asics/0/topology/ports/0/port_type: none of gl, xg, exg"},
