@@ -12,19 +12,20 @@
 
 namespace serdesctl {
 
-// What stands for an option's value: SECONDS; empty for one that takes none.
-inline std::string valueName(const CLI::Option& option) {
-  if (option.get_type_size() == 0) return "";
-  const std::string type = option.get_type_name();  // SECONDS:FLOAT in [0 - 86400], or WORD:{tx,rx}
-  return type.substr(0, type.find(':'));
-}
-
 // The words that an option's value is one of; empty when it is not one of few.
 inline std::vector<std::string> choices(const CLI::Option& option) {
   const std::string type = option.get_type_name();
   const std::size_t begin = type.find('{');
   if (begin == std::string::npos) return {};
   return CLI::detail::split(type.substr(begin + 1, type.find('}', begin) - begin - 1), ',');
+}
+
+// What stands for an option's value: SECONDS, or the choices for one without a name; empty for one that takes none.
+inline std::string valueName(const CLI::Option& option) {
+  if (option.get_type_size() == 0) return "";
+  const std::string type = option.get_type_name();  // SECONDS:FLOAT in [0 - 86400], or TEXT:{tx,rx}
+  const std::string name = type.substr(0, type.find(':'));
+  return name == "TEXT" && !choices(option).empty() ? CLI::detail::join(choices(option), "|") : name;
 }
 
 // "0 to 86400", empty when any value will do.
@@ -50,7 +51,6 @@ inline std::string describe(const CLI::Option& option) {
     if (!text.empty()) remarks.push_back(before + text);
   };
   add("", limits(option));
-  add("one of ", CLI::detail::join(choices(option), ", "));
   add("default ", option.get_default_str());
   add("with ", joinedNames(option.get_needs()));
   add("not with ", joinedNames(option.get_excludes()));

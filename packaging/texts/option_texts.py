@@ -87,7 +87,9 @@ def value_of(option: Option, commands: dict[str, Any]) -> str:
     }
     name: str = option["positional"] or option["value"]
     words = option["choices"] or known.get(name, [])
-    return " " + " ".join(words) if words else name
+    if words:
+        return " " + " ".join(words)
+    return "FILE" if option["positional"] else name  # most words that are not of the tool are files
 
 
 def completion(program: App, commands: dict[str, Any], template: Path) -> str:

@@ -21,7 +21,7 @@ namespace {
 constexpr const char* kFileName = "/journal.jsonl";
 constexpr const char* kSystemFolder = "/var/lib/serdesctl";
 constexpr std::size_t kMostRead = 64U << 20;
-constexpr Seconds kOthersMayTake{10};
+constexpr Seconds kOthersMayTake{30};  // many of them, on a slow disk
 constexpr Seconds kBetweenTries{0.005};
 
 // Unlocks when it goes out of scope.

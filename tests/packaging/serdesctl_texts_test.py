@@ -131,6 +131,12 @@ class Completion(unittest.TestCase):
         self.assertEqual(self.completed("serdesctl show setF"), [])
         self.assertEqual(self.completed("serdesctl health 3 e"), ["exg"])
 
+    def test_choices(self) -> None:
+        choices = re.findall(r"^  (?:-\w,)?(--\S+) ([\w-]+(?:\|[\w-]+)+) ", help_of("save"), re.MULTILINE)
+        self.assertTrue(choices)
+        for option, words in choices:
+            self.assertEqual(self.completed(f"serdesctl save {option} "), words.split("|"))
+
     def test_values_of_which_nothing_is_known(self) -> None:
         for line in ("serdesctl --timeout ", "serdesctl journal --since=", "serdesctl health --interval "):
             self.assertEqual(self.completed(line), [], line)

@@ -135,7 +135,7 @@ class Running(ProgramTest):
 
     def test_state_is_kept(self) -> None:
         state = str(self.folder / "state")
-        words = ("-t", "sim", "--state", state, "run")
+        words = ("-t", f"sim:{shipped_switch('default')}", "--state", state, "run")
         self.assertEqual(self.ctl(*words, self.script("setFFE FFE2 77 0 50 -9 0 0\n"))[0], 0)
         _, out, _ = self.ctl(*words, self.script("showFFE 0\n"))
         self.assertIn("k (power)             77", out)
@@ -343,6 +343,7 @@ class CommandLine(ProgramTest):
         self.assertGreater(len(statuses), 1)
 
     def test_named_targets(self) -> None:
+        self.env["XDG_CONFIG_HOME"] = ""  # as if it were not there
         folder = self.folder / ".config" / "serdesctl"
         folder.mkdir(parents=True)
         targets = folder / "targets.toml"

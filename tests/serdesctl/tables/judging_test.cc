@@ -103,6 +103,8 @@ TEST(Judging, TwoLooksTellWhetherErrorsGoOn) {
             "marginal: about 20000 decode and 0 CRC errors, too many to tell if they go on");
   EXPECT_EQ(verdictOnTwo(link(50, 78, exactly(70)), link(50, 78, exactly(10))),
             "marginal: 10 decode and 0 CRC errors, the counters were cleared meanwhile");
+  EXPECT_EQ(verdictOnTwo(link(50, 78, exactly(7), exactly(9)), link(50, 78, exactly(7), exactly(2))),
+            "marginal: 7 decode and 2 CRC errors, the counters were cleared meanwhile");
   EXPECT_EQ(verdictOnTwo(link(-5, 78, exactly(7)), link(-5, 78, exactly(7))),
             "dead: no lock: the eye is closed (Amin -5 of Ap 78) and nothing is counted");
 }
