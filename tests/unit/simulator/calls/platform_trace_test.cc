@@ -78,6 +78,91 @@ TEST_F(Platform, TraceHasALineForEachCall) {
                       }));
 }
 
+// Whatever a call names and hands back is another number, so that none stands in another's place.
+TEST_F(Platform, TraceShowsAllThatEveryOperationNamesAndHandsBack) {
+  traceCalls();
+  open(R"(
+slots = 3
+aux_ports = 4
+user_ports = 9
+[settings.fast]
+power = 150
+ffe = "FFE3"
+taps = [-4, 55, -25, 1]
+slew = 30
+dfe = "DFE5"
+[[asics]]
+[[asics.cores]]
+cores = "0-1"
+type = 5
+pll_registers = 10
+rx_registers = 30
+tx_registers = 14
+rx_params = 6
+tx_params = 8
+first_port = 7
+[[asics.ports]]
+ports = "0-2"
+kind = "GL"
+links = 2
+core = 1
+user_port = 5
+far_end = "loop"
+speed = "8G"
+sends = false
+cache = "fast"
+)");
+  for (const bool sets : {false, true}) {
+    for (const OperationInfo& info : allOperations()) {
+      if (opensOrCloses(info.operation) || info.outputs.empty() != sets) continue;
+      Ask ask = good(info.operation);
+      ask.port = 2;
+      ask.link = 1;
+      ask.core = 1;
+      (void)call(info.operation, ask);
+    }
+  }
+  EXPECT_EQ(traced(), (std::vector<std::string>{
+                          "AsicCtlOpen() = 0",
+                          "PortCtlOpen() = 0",
+                          "GetSwitchConfig() -> 3, 9, 4, 1 = 0",
+                          "GetSerDesInfo(0) -> 3, 2 = 0",
+                          "GetSerDesInfo(0, 1) -> 7, 5, 10, 30, 14, 6, 8 = 0",
+                          "GetSerDesInfo(0, 2, 1) -> 2, 5, 1 = 0",
+                          "ToString(1) -> \"SERDES_6G\"",
+                          "ReadSerDesLinkRegister(0, 2, 1, 1, 0x04, 1) -> 0x0296 = 0",
+                          "ReadSerDesPLLRegister(0, 1, 0x04, 1) -> 0x0000 = 0",
+                          "GetSerDesTxFFE(0, 2, 1) -> 2, 150, -4, 55, -25, 1 = 0",
+                          "GetSerDesTxSlew(0, 2, 1) -> true, 1 = 0",
+                          "GetSerDesTxRateParams(0, 2, 1) -> 150, 1, 2, -4, 55, -25, 1 = 0",
+                          "GetSerDesRxDFE(0, 2, 1) -> 1 = 0",
+                          "GetSerDesRxVGA(0, 2, 1) -> 6, 4, 78 = 0",
+                          "GetSerDesRxDFEStats(0, 2, 1) -> 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 1 = 0",
+                          "GetSerDesRxRateParams(0, 2, 1) -> 1, 6, 4, 78, 0 = 0",
+                          "GetSerDesTestStatus(0, 2, 1, 1) -> 0 = 0",
+                          "GetPortHwConfig({65535, 0, 2}) -> 7, 0, 2, 1, 1 = 0",
+                          "GetPortInfo({65535, 0, 2}, 0) -> 2 = 0",
+                          "GetPortCfgSpeed({65535, 0, 2}) -> 4 = 0",
+                          "GetPortSpeed({65535, 0, 2}) -> 4 = 0",
+                          "GetMediaHwFcXmtrType({65535, 0, 2}) -> 3 = 0",
+                          "TxStreamState({65535, 0, 2}) -> false = 0",
+                          "GetFrameStatCntrs({65535, 0, 2}) -> 0, 0 = 0",
+                          "WriteSerDesLinkRegister(0, 2, 1, 1, 0x04, 0xffff) = 0",
+                          "WriteSerDesPLLRegister(0, 1, 0x04, 0xffff) = 0",
+                          "SetSerDesTxFFE(0, 2, 1, 1, 4, 4, 4, 4, 4) = 0",
+                          "SetSerDesTxSlew(0, 2, 1, true, 1) = 0",
+                          "SetSerDesTxRateParams(0, 2, 1, {0, 0, 0, 0, 0, 0, 0}) = 0",
+                          "SetSerDesRxDFE(0, 2, 1, 1) = 0",
+                          "SetSerDesRxVGA(0, 2, 1, 4, 4, 4) = 0",
+                          "SetSerDesRxDFEState(0, 2, 1, {0, 1, 0, 0, 0, 4, 0, 0, 0, 0, 0, 0}) = 0",
+                          "SetSerDesRxRateParams(0, 2, 1, {0, 0, 0, 0, 0}) = 0",
+                          "SetSerDesTestOption(0, 2, 1, 4, 1) = 0",
+                          "SetPortCfgSpeed({65535, 0, 2}, 1) = 0",
+                          "TxStreamEnable({65535, 0, 2}, true) = 0",
+                          "ClrFrameStatCntrs({65535, 0, 2}) = 0",
+                      }));
+}
+
 TEST_F(Platform, TraceIsAppendedTo) {
   std::ofstream(file("trace")) << "before\n";
   traceCalls();
