@@ -8,7 +8,7 @@
 
 #include "arguments/keywords.h"
 
-bool currentCommandSets = false;
+bool currentCommandSets{};
 
 namespace {
 

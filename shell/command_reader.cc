@@ -9,8 +9,8 @@
 #include "shell/command_table.h"
 #include "shell/output.h"
 
-std::uint32_t currentCommandIndex = 0;
-bool interactive = false;
+std::uint32_t currentCommandIndex{};
+bool interactive{};
 
 namespace {
 
