@@ -37,7 +37,7 @@ void gatherPortStatus(std::uint32_t portMask, PortStatus& status) {
 
 // Prints a label and cells that are drawn with one character.
 void printRule(std::string_view label, std::uint32_t ports, SerDesLinkType side) {
-  const char dash = label[0];
+  const char dash = label.front();
   const std::array cell = {dash, dash, dash, dash, ' '};
   Row row(label);
   forEachLink(ports, side, [&](std::uint32_t, std::uint32_t) { row.text({cell.data(), cell.size()}); });

@@ -63,6 +63,25 @@ TEST_F(Platform, OpeningTwiceIsAsOpeningOnce) {
   EXPECT_EQ(AsicControl::AsicCtlClose(), kNotOpen);
 }
 
+TEST_F(Platform, EveryOperationRefusesAPlaceThatIsNotThere) {
+  open();
+  for (const OperationInfo& info : allOperations()) {
+    const auto code = [&](const Ask& place) {
+      Ask ask = good(info.operation);
+      ask.asic = place.asic;
+      ask.port = place.port;
+      ask.link = place.link;
+      ask.core = place.core;
+      return call(info.operation, ask);
+    };
+    const Addressed named = info.addressed;
+    EXPECT_TRUE(!named.asic || code({.asic = 1}) == kBadAsic) << info.name;
+    EXPECT_TRUE(!named.port || code({.port = 2}) == kBadPort) << info.name;
+    EXPECT_TRUE(!named.link || code({.link = 1}) == kBadLink) << info.name;
+    EXPECT_TRUE(!named.core || code({.core = 1}) == kBadCore) << info.name;
+  }
+}
+
 TEST_F(Platform, NullPointersAreRefused) {
   open();
   for (const OperationInfo& info : allOperations()) {
