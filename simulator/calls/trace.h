@@ -21,7 +21,7 @@ class SIMULATOR_API Trace {
   bool isOn() const {
     return file_ != nullptr;
   }
-  // Writes a line at once: a run that crashes must not lose what led there.
+  // Writes a line at once, to a trace that is on: a run that crashes must not lose what led there.
   void line(std::string_view text);
 
  private:

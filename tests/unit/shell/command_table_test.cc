@@ -127,6 +127,7 @@ TEST_P(CommandRow, RefusesFewerWordsThanItsLeastAndMoreThanItsMost) {
 
 TEST(CommandTable, EndsWithAnEmptyRowBehindTheOnesThatAreExpected) {
   ASSERT_EQ(cmdTable.size(), std::size(kExpectedRows) + 1) << "a row without a line in kExpectedRows, or the reverse";
+  EXPECT_EQ(kCommandCount, std::size(kExpectedRows));
   const CmdTableEntry& end = cmdTable.back();
   EXPECT_EQ(end.name, nullptr);
   EXPECT_EQ(end.shortcut, nullptr);

@@ -163,6 +163,13 @@ cache = "fast"
                       }));
 }
 
+TEST_F(Platform, TraceSaysNullForANameThatAFaultTakesAway) {
+  traceCalls();
+  open(kSmall + "[[faults]]\noperation = \"ToString\"\n");
+  EXPECT_EQ(AsicControl::ToString(static_cast<SerDesType>(2)), nullptr);
+  EXPECT_EQ(traced().back(), "ToString(2) -> null");
+}
+
 TEST_F(Platform, TraceIsAppendedTo) {
   std::ofstream(file("trace")) << "before\n";
   traceCalls();

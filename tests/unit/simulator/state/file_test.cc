@@ -415,6 +415,14 @@ TEST_F(FaultySessions, KeepHowOftenFaultsHaveStruck) {
   EXPECT_EQ(AsicControl::AsicCtlClose(), kOk);
 }
 
+TEST_F(FaultySessions, KeepThatOneStruckOnClosingEvenIfTheProcessEndsThere) {
+  EXPECT_EQ(AsicControl::AsicCtlOpen(), -41);
+  open();
+  const std::string before = textOf(path());
+  EXPECT_EQ(AsicControl::AsicCtlClose(), -42);
+  EXPECT_NE(textOf(path()), before);
+}
+
 TEST_F(FaultySessions, KeepThatOneStruckOnOpeningEvenIfNothingOpened) {
   EXPECT_EQ(AsicControl::AsicCtlOpen(), -41);
   EXPECT_NE(textOf(path()).find(", 1, 1, 0, 0, 0, 0]\n"), std::string::npos) << textOf(path());
