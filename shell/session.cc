@@ -19,9 +19,7 @@ constexpr const char* kScriptDirectory = "/norvex/conf/images/";
 int runInteractive() {
   // Unbuffered, so that what was typed ahead stays where the loop command looks for it.
   (void)std::setvbuf(stdin, nullptr, _IONBF, 0);
-  if (const CmdStatus status = helpCmdHandler(0, nullptr); status != CMD_OK) {
-    std::printf("%s\n", statusMessage(status));
-  }
+  (void)helpCmdHandler(0, nullptr);
   std::printf("\n\n");
   return runCommandStream(stdin, stdout);
 }

@@ -39,9 +39,9 @@ struct PortDraft {
   PortDescription port;
   bool described = false;
   const Library* library = nullptr;
-  unsigned index = 0;
-  unsigned position = 0;      // in the entry's run
-  unsigned portsPerCore = 0;  // of the entry
+  unsigned index{};
+  unsigned position{};      // in the entry's run
+  unsigned portsPerCore{};  // of the entry
   bool isMisplaced = false;
   std::optional<SpeedSet> mediaSpeeds;
   std::optional<TomlValue> placed, userPort, farEnd, channel;
@@ -84,7 +84,7 @@ void setKind(const TomlValue& value, PortDraft& draft) {
   port.media = isEthernet ? MEDIA_10G_ETHERNET : isXg ? MEDIA_COPPER_PASSIVE : MEDIA_OPTICAL;
   port.rxLinks = port.txLinks = isXg ? kMaxLinks : 1;
   port.caches.fill(isEthernet ? kPlainEthernetSettings : kPlainSettings);
-  port.partner = {.tx = port.caches[0].tx, .speeds = port.speeds};
+  port.partner = {.tx = port.caches.front().tx, .speeds = port.speeds};
   draft.placed = value;
   draft.caches.fill({});
   draft.partner.reset();

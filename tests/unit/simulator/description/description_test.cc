@@ -22,6 +22,43 @@ SwitchDescription read(const std::string& text) {
   return readDescription(text, "some.toml");
 }
 
+TEST(Description, KindAndMediaSayWhichSpeedsThereAre) {
+  struct Row {
+    const char* kind;
+    const char* media;
+    std::vector<std::uint32_t> speeds;
+    std::vector<std::uint32_t> mediaSpeeds;
+  };
+  const std::vector<std::uint32_t> kNone, kToTwo = {SPEED_1G, SPEED_2G};
+  const std::vector<std::uint32_t> kToTen = {SPEED_1G, SPEED_2G, SPEED_4G, SPEED_8G, SPEED_10G};
+  const std::vector<std::uint32_t> kAll = {SPEED_1G, SPEED_2G, SPEED_4G, SPEED_8G, SPEED_10G, SPEED_20G};
+  const Row kRows[] = {
+      {"GL", "none", kToTen, kNone},
+      {"GL", "not applicable", kToTen, kAll},
+      {"GL", "unknown", kToTen, kToTwo},
+      {"GL", "optical", kToTen, kToTen},
+      {"GL", "electrical", kToTen, kToTen},
+      {"XG", "copper passive", {SPEED_10G, SPEED_20G}, kAll},
+      {"XG", "copper active", {SPEED_10G, SPEED_20G}, kAll},
+      {"EXG", "10G ethernet", {SPEED_1G, SPEED_10G}, {SPEED_10G}},
+      {"EXG", "1G ethernet", {SPEED_1G, SPEED_10G}, {SPEED_1G}},
+  };
+  const auto setOf = [](const std::vector<std::uint32_t>& speeds) {
+    SpeedSet set = 0;
+    for (const std::uint32_t speed : speeds)
+      set |= speedBit(speed);
+    return set;
+  };
+  for (const Row& row : kRows) {
+    const SwitchDescription description = read(kOnePort + "[[asics.ports]]\nports = 0\nmisplaced = true\nkind = \"" +
+                                               row.kind + "\"\nmedia = \"" + row.media + "\"\n");
+    const PortDescription& port = description.asics[0].ports[0];
+    EXPECT_EQ(port.speeds, setOf(row.speeds)) << row.kind;
+    EXPECT_EQ(port.partner.speeds, setOf(row.speeds)) << row.kind;
+    EXPECT_EQ(port.mediaSpeeds, setOf(row.mediaSpeeds)) << row.media;
+  }
+}
+
 TEST(Description, SaysWithTheLeastWhatTheRestIs) {
   const SwitchDescription description = read(kOnePort);
   ASSERT_EQ(description.asics.size(), 1U);

@@ -246,6 +246,11 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"FibreChannelPort", portWith(6, "XG", "", "core = 0"),
                 "some.toml:9: asics[0].ports[0].core: port 0 is on core 0, whose SerDes type 6 serves EXG ports only; "
                 "misplaced = true allows it"},
+        Mistake{"KindThatChangedWithCacheAndPartner",
+                portWith(2, "GL", "",
+                         "cache = \"x\"\npartner.settings = \"x\"\n"
+                         "[[asics.ports]]\nports = 0\nkind = \"EXG\"\nmisplaced = true"),
+                "no error"},
         Mistake{"KindThatChanged",
                 portWith(2, "GL", "", "live = \"x\"\n[[asics.ports]]\nports = 0\nkind = \"EXG\"\nmisplaced = true"),
                 "some.toml:9: asics[0].ports[0].live: \"x\" is for fibre-channel ports"}),
