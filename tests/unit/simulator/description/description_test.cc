@@ -59,6 +59,12 @@ TEST(Description, KindAndMediaSayWhichSpeedsThereAre) {
   }
 }
 
+TEST(Description, UserPortsBeginAt0AndMinus1IsNone) {
+  EXPECT_EQ(read(kOnePort + "user_port = 0\n").asics[0].ports[0].userPort, 0);
+  EXPECT_EQ(read(kOnePort + "user_port = 65534\n").asics[0].ports[0].userPort, 65534);
+  EXPECT_EQ(read(kOnePort + "user_port = -1\n").asics[0].ports[0].userPort, kNoUserPort);
+}
+
 TEST(Description, SaysWithTheLeastWhatTheRestIs) {
   const SwitchDescription description = read(kOnePort);
   ASSERT_EQ(description.asics.size(), 1U);
