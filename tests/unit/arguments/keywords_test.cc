@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,14 @@ TEST(SameWord, OnlyLettersHaveCases) {
   for (const auto& [a, b] : {std::pair{"@", "`"}, {"[", "{"}, {"0", "\x10"}, {"\xC4", "\xE4"}}) {
     EXPECT_FALSE(sameWord(a, b)) << a;
     EXPECT_FALSE(sameWord(b, a)) << b;
+  }
+}
+
+TEST(SameLetter, IsOneCharacterOrALetterInBothCases) {
+  for (int a = 0; a < 256; ++a) {
+    for (int b = 0; b < 256; ++b)
+      EXPECT_EQ(sameLetter(static_cast<char>(a), static_cast<char>(b)), std::tolower(a) == std::tolower(b))
+          << a << " " << b;
   }
 }
 
