@@ -24,7 +24,7 @@ constexpr auto kChannelKeys = std::to_array<Key<Channel>>({
     {"a2", [](auto& value, auto& channel) { channel.a2 = value.number(-kMostLoss, kMostLoss); }},
     {"a4", [](auto& value, auto& channel) { channel.a4 = value.number(-kMostLoss, kMostLoss); }},
     {"jitter_ui", [](auto& value, auto& channel) { channel.randomJitterUi = value.number(0, 0.5); }},
-    {"crosstalk_db", [](auto& value, auto& channel) { channel.crosstalkDb = value.number(-100, 0); }},
+    {"crosstalk_db"},
     {"echoes",
      [](auto& value, auto& channel) {
        for (const TomlTable& table : value.tables())
