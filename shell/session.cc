@@ -46,7 +46,6 @@ int runScripts(int count, char* names[]) {
       continue;
     }
     status = runCommandStream(file, stdout);
-    if (status < 0) break;
     (void)std::fclose(file);
   }
   return status;

@@ -12,7 +12,6 @@ void Clock::tick() {
   }
   // Whole microseconds only: the rest stays in last_ and is not lost.
   const auto passed = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - last_);
-  if (passed.count() <= 0) return;
   last_ += passed;
   now_ += static_cast<std::uint64_t>(passed.count());
 }

@@ -36,6 +36,12 @@ class StateText : public SwitchTest {
   StartState start;
 };
 
+// The fingerprints are those of anybody's FNV-1a with 64 bits.
+TEST(StateEndLine, IsTheFingerprintOfTheTextBeforeIt) {
+  EXPECT_EQ(stateEndLine(""), "# whole cbf29ce484222325\n");
+  EXPECT_EQ(stateEndLine("a"), "# whole af63dc4c8601ec8c\n");
+}
+
 TEST_F(StateText, OfASwitchAsItStartsHasNoRecords) {
   const std::string text = textNow();
   EXPECT_NE(text.find("\n[records]\n# whole "), std::string::npos) << text;

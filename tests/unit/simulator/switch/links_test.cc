@@ -45,6 +45,23 @@ TEST_F(Links, OfOtherPortsAreNotWorkedOutByTheWay) {
   EXPECT_EQ(sw.evaluations(), 1U);
 }
 
+TEST_F(Links, OfAPortHaveToWorkEveryOne) {
+  for (int link = 0; link < 4; ++link) {
+    const unsigned enable = readRx(6, 0, link);
+    ASSERT_EQ(writeRx(6, 0, enable & ~1U, link), kOk);
+    EXPECT_EQ(statusOf(6), kStatusNoSignal) << link;
+    ASSERT_EQ(writeRx(6, 0, enable, link), kOk);
+    const FfeSettings ffe = ffeAt(6, link);
+    ASSERT_EQ(sw.setTxFfe(0, 6, link, {.mode = FFE_2, .k = ffe.k, .c = {0, -60, 0, 0}}), kOk);
+    EXPECT_EQ(statusOf(6), kStatusNoLock) << link;
+    ASSERT_EQ(sw.setTxFfe(0, 6, link, ffe), kOk);
+    ASSERT_EQ(sw.setTestOption(0, 6, link, kTestSendPattern, 1), kOk);
+    EXPECT_EQ(statusOf(6), kStatusPattern) << link;
+    ASSERT_EQ(sw.setTestOption(0, 6, link, kTestSendPattern, 0), kOk);
+    EXPECT_EQ(statusOf(6), kPortStateRunning) << link;
+  }
+}
+
 TEST_F(Stream, DisabledItSilencesTheFarEnd) {
   bool enabled = false;
   ASSERT_EQ(sw.getStream(id(3), &enabled), kOk);

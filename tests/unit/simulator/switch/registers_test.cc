@@ -53,6 +53,18 @@ TEST_F(LinkRegisters, StatusCannotBeWritten) {
   EXPECT_EQ(writeTx(0, 0, 0), kReadOnlyRegister);
 }
 
+TEST_F(LinkRegisters, ShowWhatTheStatisticsShow) {
+  const SerDesTraits& traits = serDesTraits(2);
+  RegisterFile registers{};
+  ASSERT_EQ(sw.readLinkRegisters(0, 1, 0, SERDES_LINK_RX, 0, registers.data(), traits.rx.count), kOk);
+  const SerDesRxDFEStats stats = statsOf(1);
+  EXPECT_EQ(traits.rx.read(registers, Field::kAp), stats.Ap);
+  EXPECT_EQ(traits.rx.read(registers, Field::kAmin), stats.Amin);
+  EXPECT_EQ(traits.rx.read(registers, Field::kAn), stats.An);
+  for (unsigned tap = 0; tap < kTaps; ++tap)
+    EXPECT_EQ(traits.rx.read(registers, tapField(tap)), stats.h[tap]) << tap;
+}
+
 TEST_F(LinkRegisters, StatusShowsSignalLockAndEye) {
   EXPECT_EQ(readRx(0, 2), 0x0007U);
   EXPECT_GT(readRx(0, 15), 0U);

@@ -121,6 +121,16 @@ TEST_F(LiveSettings, ALoadedDfeStateStandsUntilTheModeIsSet) {
   EXPECT_EQ(statsOf(1).h, adapted.h);
 }
 
+TEST_F(LiveSettings, ALoadedDfeStateHasAnyOfTheModes) {
+  for (const SerDesRxDFEMode mode : {DFE_3, DFE_5, DFE_NONE, DFE_1}) {
+    const SerDesRxDFEState state = {.leadingWord = 0, .mode = mode, .h = {}, .reserved = {}};
+    EXPECT_EQ(sw.setRxDfeState(0, 1, 0, &state), kOk);
+    EXPECT_EQ(dfeAt(1), mode);
+  }
+  const SerDesRxDFEState beyond = {.leadingWord = 0, .mode = static_cast<SerDesRxDFEMode>(4), .h = {}, .reserved = {}};
+  EXPECT_EQ(sw.setRxDfeState(0, 1, 0, &beyond), kOutOfRange);
+}
+
 TEST_F(LiveSettings, DfeStateIsForTheTypesWithTenTaps) {
   SerDesRxDFEState state{};
   EXPECT_EQ(sw.setRxDfeState(0, 4, 0, &state), kOk);

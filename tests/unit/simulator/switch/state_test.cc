@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "tests/unit/simulator/switch/switch_bench.h"
 
 namespace simulator {
@@ -112,6 +114,40 @@ TEST_F(State, EveryValueBeyondItsRangeIsRefused) {
   }
   EXPECT_FALSE(other.importState(state));
   EXPECT_EQ(other.exportState(), good);
+}
+
+// The greatest number of every place of a record; nothing is left out, and nothing greater is taken.
+TEST_F(State, IsRecordsOfAllThatChangesEachInItsRange) {
+  constexpr std::uint64_t kAny = UINT64_MAX;
+  constexpr std::uint64_t kCarry = 999'999'999'999;
+  const auto registersAnd = [](const std::vector<std::uint64_t>& more) {
+    std::vector<std::uint64_t> all(32, UINT16_MAX);
+    all.insert(all.end(), more.begin(), more.end());
+    return all;
+  };
+  const std::pair<std::string, std::vector<std::uint64_t>> kRecords[] = {
+      {"switch", {kAny, UINT32_MAX, UINT32_MAX, UINT32_MAX}},
+      {"asic0.pll4", registersAnd({})},
+      {"asic0.port6", {SPEED_20G, SPEED_20G, 1, kAny, kAny, kCarry, kAny, kAny, kCarry, 3'000'000}},
+      {"asic0.port6.tx3", registersAnd({UINT32_MAX})},
+      {"asic0.port6.rx3", registersAnd({kAny, kAny, kCarry, kMaxMarginMode, 1})},
+  };
+  passSeconds(3);
+  const std::vector<StateRecord> good = sw.exportState();
+  for (const auto& [name, greatest] : kRecords) {
+    std::vector<StateRecord> state = good;
+    const auto record = std::find_if(state.begin(), state.end(), [&](const auto& found) { return found.name == name; });
+    ASSERT_NE(record, state.end()) << name;
+    ASSERT_EQ(record->values.size(), greatest.size()) << name;
+    for (std::size_t i = 0; i < greatest.size(); ++i) {
+      const std::uint64_t before = record->values[i];
+      record->values[i] = greatest[i];
+      EXPECT_TRUE(other.importState(state)) << name << " " << i;
+      record->values[i] = greatest[i] + 1;
+      EXPECT_TRUE(greatest[i] == kAny || !other.importState(state)) << name << " " << i;
+      record->values[i] = before;
+    }
+  }
 }
 
 TEST_F(State, KnowsWhichDescriptionItBelongsTo) {

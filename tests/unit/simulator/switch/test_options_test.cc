@@ -433,5 +433,22 @@ TEST_F(PartnerPattern, IsFoundByTheChecker) {
   EXPECT_EQ(testStatus(4, kTestCheckPattern), 0);
 }
 
+class TestOptionsOfASide : public SwitchTest {
+ protected:
+  TestOptionsOfASide() : SwitchTest("[[asics.ports]]\nports = 6\ntx_links = 2\n") {}
+};
+
+TEST_F(TestOptionsOfASide, TakeItsLinks) {
+  for (const unsigned option :
+       {kTestLoopback, kTestHoldDfe, kTestCheckPattern, kTestMargin, kTestReadapt, kTestClearCheck, kTestTemperature}) {
+    EXPECT_NE(sw.setTestOption(0, 6, 3, option, 0), kBadLink) << option;
+    EXPECT_EQ(sw.setTestOption(0, 6, 4, option, 0), kBadLink) << option;
+  }
+  for (const unsigned option : {kTestSendPattern, kTestInjectErrors}) {
+    EXPECT_EQ(sw.setTestOption(0, 6, 1, option, 0), kOk) << option;
+    EXPECT_EQ(sw.setTestOption(0, 6, 2, option, 0), kBadLink) << option;
+  }
+}
+
 }  // namespace
 }  // namespace simulator
