@@ -27,8 +27,9 @@ TEST(Arrival, NoiseBandIsTheIntegralHoweverLongThePeriod) {
   for (const int peak : {0, 3, 7}) {
     const Receiver receiver{.pole = 5, .peak = peak};
     double integral = 0;
-    for (double f = 0.001; f < 8 * kBaud8G; f += 0.002)
-      integral += 0.002 * magnitudeSquared(reference::receiver(receiver, f, kBaud8G));
+    constexpr double kStep = 0.002;
+    for (int i = 0; i * kStep < 8 * kBaud8G; ++i)
+      integral += kStep * magnitudeSquared(reference::receiver(receiver, (i + 0.5) * kStep, kBaud8G));
     for (const double delayNs : {0.0, 1.0, 100.0}) {
       Channel channel = backplane(20);
       channel.echoes = {{0.1, delayNs}};

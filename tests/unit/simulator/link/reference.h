@@ -136,7 +136,8 @@ inline Pulse pulseOf(const Transmitter& transmitter, const Channel& channel, con
 // Where p(t - 1/2) = p(t + 1/2), nearest to the highest of sixteen points a UI.
 inline double instantOf(const Pulse& pulse) {
   double peak = 0;
-  for (double t = -4; t < 16; t += 1.0 / 16) {
+  for (int i = -4 * 16; i < 16 * 16; ++i) {
+    const double t = i / 16.0;
     if (pulse.at(t) > pulse.at(peak)) peak = t;
   }
   const auto late = [&](double t) { return pulse.at(t - 0.5) > pulse.at(t + 0.5); };
@@ -160,7 +161,8 @@ inline double crosstalk(const std::vector<Aggressor>& aggressors, const Channel&
     const Transmitter& sender = aggressor.transmitter;
     const double share = (aggressor.farEnd ? 0.08 : 0.32) / (aggressor.distance == 2 ? 4 : 1);
     const double period = 1 / aggressor.baudGbd;
-    for (double f = kStep; f < 30; f += kStep) {
+    for (int i = 1; i * kStep < 30; ++i) {
+      const double f = i * kStep;
       const double sine = unitPhasor(kPi * f * period).im / (kPi * f * period);
       const double coupling = ratioOf(channel.crosstalkDb) * f / 4.25;
       double power = 2 * period * sine * sine * std::pow(edge(sender.slewPs, f) * amplitude(sender) * coupling, 2) *
@@ -237,7 +239,7 @@ struct Link {
   Slicer centre;
 
   double h(int k) const {
-    return cursors[static_cast<std::size_t>(k + 16)];
+    return cursors[static_cast<std::size_t>(k) + 16];
   }
 };
 
@@ -257,8 +259,9 @@ inline Slicer slicerAt(const Link& link, const Pulse& pulse, const Channel& chan
   for (std::size_t i = 0; i < h.size(); ++i)
     slopes += std::pow((after[i] - before[i]) * 8, 2);
   double band = 0;
-  for (double f = 0.005; f < 8 * baud; f += 0.01)
-    band += magnitudeSquared(receiver(settings, f, baud)) * 0.01;
+  constexpr double kStep = 0.01;
+  for (int i = 0; i * kStep < 8 * baud; ++i)
+    band += magnitudeSquared(receiver(settings, (i + 0.5) * kStep, baud)) * kStep;
   Slicer slicer;
   slicer.main = h[16];
   slicer.sigma = std::sqrt(5.2e-8 * band + std::pow(h[16] * ratioOf(-27), 2) +
