@@ -6,6 +6,7 @@
 #include <string>
 
 #include "serdesctl/base/errors.h"
+#include "serdesctl/base/waiting.h"
 
 namespace serdesctl {
 namespace {
@@ -69,6 +70,7 @@ TEST(Conversation, AnEndMayBeWrong) {
 }
 
 TEST(Conversation, AToolThatTakesNoMoreCommandsHasEnded) {
+  const SignalWatch brokenPipesAreErrors;
   Conversation tool(toolThat("exec <&-; sleep 0.1; exec >&- 2>&-; exec sleep 1000"), Seconds(20));
   EXPECT_THROW((void)tool.ask("showRate 0"), ConnectionError);
 }
