@@ -27,7 +27,7 @@ Words wordsToShow(const std::vector<std::string>& given) {
   const std::string line = joinedWords(given);
   if (std::any_of(line.begin(), line.end(), isControlCharacter))
     throw UsageError("the command has a control character");
-  const Words words = splitWords(line);
+  Words words = splitWords(line);
   const CmdTableEntry* const row = words.empty() ? nullptr : findCommand(words[0]);
   if (row == nullptr) throw UsageError("unknown command '" + line + "'");
   const bool changes = row->isSetCmd != 0 && !asksForHelp(words);
