@@ -46,6 +46,7 @@ int runScripts(int count, char* names[]) {
       continue;
     }
     status = runCommandStream(file, stdout);
+    if (status < 0) break;
     (void)std::fclose(file);
   }
   return status;
