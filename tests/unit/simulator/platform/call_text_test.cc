@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 
 namespace operations {
@@ -29,7 +30,7 @@ TEST(CallText, RecordsAreTheirFieldsInOrder) {
   SerDesRxDFEState state{};
   state.leadingWord = 1;
   state.mode = DFE_5;
-  for (int i = 0; i < 10; ++i)
+  for (std::size_t i = 0; i < 10; ++i)
     state.h[i] = static_cast<std::int16_t>(10 + i);
   EXPECT_EQ(textOf(port_id_t{.userPort = 1, .asic = 2, .asicPort = 3, .unused = {}}), "{1, 2, 3}");
   EXPECT_EQ(textOf(SerDesTxRateParams{1, 2, 3, 4, 5, 6, 7}), "{1, 2, 3, 4, 5, 6, 7}");
@@ -49,7 +50,7 @@ TEST(CallText, OutputsOfRecordsAreTheirFieldsInOrder) {
   stats.Ap = 2;
   stats.Amin = 3;
   stats.An = 4;
-  for (int i = 0; i < 10; ++i)
+  for (std::size_t i = 0; i < 10; ++i)
     stats.h[i] = static_cast<std::int16_t>(10 + i);
   drv_counters_t counters{};
   counters.decodeErrors = {.high = 1, .low = 2};
