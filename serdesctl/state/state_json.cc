@@ -193,7 +193,7 @@ Bounds boundsOf(std::string_view field) {
 }
 
 std::string oneOf(const JsonPlace& place, std::span<const ValueName> names, const char* otherwise) {
-  const std::string text = place.isText() ? place.text() : "";
+  std::string text = place.isText() ? place.text() : "";
   std::string allowed;
   for (const ValueName& name : names) {
     if (text == name.name) return text;
