@@ -47,9 +47,9 @@ int getVGA(std::uint32_t port, std::uint32_t link, SerDesRxRateParams& params) {
   Vga vga{};
   const int result = AsicControl::GetSerDesRxVGA(serdesTopology.asicNum, port, static_cast<int>(link), &vga.pole,
                                                  &vga.peak, &vga.amax);
-  params.p0 = vga.pole;
-  params.p1 = vga.peak;
-  params.p2 = vga.amax;
+  params.p0 = std::int32_t{vga.pole};
+  params.p1 = std::int32_t{vga.peak};
+  params.p2 = std::int32_t{vga.amax};
   return result;
 }
 
