@@ -148,9 +148,8 @@ std::optional<std::uint32_t> namedPorts(const Words& words, const ConfigText* co
   const auto first = static_cast<std::size_t>(row->minArgs);
   std::vector<std::string> list(words.begin() + static_cast<std::ptrdiff_t>(std::min(first, words.size())),
                                 words.end());
-  std::vector<char*> pointers;
-  for (std::string& word : list)
-    pointers.push_back(word.data());
+  std::vector<char*> pointers(list.size());
+  std::transform(list.begin(), list.end(), pointers.begin(), [](std::string& word) { return word.data(); });
   const auto lists = config != nullptr ? std::array{config->glPorts, config->xgPorts, config->exgPorts}
                                        : std::array<std::uint32_t, 3>{};
   std::uint32_t ports = 0;
