@@ -215,7 +215,7 @@ std::string readComplaint(TextCursor& text) {
   text.expect(rest.substr(0, length + kMiddle.size()));
   const TextCursor before = text;
   if (text.number() >= 0) before.fail("a negative number");
-  const std::string complaint(rest.substr(0, text.mark() - mark));
+  std::string complaint(rest.substr(0, text.mark() - mark));
   text.expect("\n");
   return complaint;
 }
