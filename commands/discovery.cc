@@ -98,8 +98,8 @@ CmdStatus discoverPort(std::uint32_t port, const char* name) {
 
 }  // namespace
 
-CmdStatus setAsicNumCmdHandler(int wordCount, char* words[]) {
-  WordReader in(wordCount, words);
+CmdStatus setAsicNumCmdHandler(int, char* words[]) {
+  WordReader in(2, words);  // start-up counts one of its two words
   const std::uint32_t asic = in.number();
   in.require(asic <= kHighestAsic && asic < serdesTopology.switchHwConfig.NumASICs, CMD_BAD_PARAM);
   if (in.failed()) return in.status();

@@ -19,7 +19,9 @@ constexpr const char* kScriptDirectory = "/norvex/conf/images/";
 int runInteractive() {
   // Unbuffered, so that what was typed ahead stays where the loop command looks for it.
   (void)std::setvbuf(stdin, nullptr, _IONBF, 0);
-  (void)helpCmdHandler(0, nullptr);
+  if (const CmdStatus status = helpCmdHandler(0, nullptr); status != CMD_OK) {
+    std::printf("%s\n", statusMessage(status));
+  }
   std::printf("\n\n");
   return runCommandStream(stdin, stdout);
 }
@@ -66,8 +68,8 @@ CmdStatus openSerdes(int, char*[]) {
   std::printf("switchHwConfig.NumASICs:%d\n", static_cast<int>(config.NumASICs));
   char command[] = "";
   char firstAsic[] = "0";
-  std::array words = {command, firstAsic};
-  return setAsicNumCmdHandler(static_cast<int>(words.size()), words.data());
+  std::array<char*, 2> words = {command, firstAsic};
+  return setAsicNumCmdHandler(1, words.data());
 }
 
 int closeSerdes() {
@@ -77,9 +79,12 @@ int closeSerdes() {
 }
 
 int runSession(int argc, char* argv[]) {
-  // A failed start-up has been reported, and the session runs all the same, so that an engineer can look at a switch
-  // that is half alive.
-  (void)openSerdes(argc, argv);
+  // A failed start-up has been reported as CMD_EXEC_ERROR, which is not negative: the session runs all the same, so
+  // that an engineer can look at a switch that is half alive.
+  if (const CmdStatus status = openSerdes(argc, argv); status < 0) {
+    printSerdesError(status, "main()->openSerdes()");
+    return -1;
+  }
   std::printf("\n");
   interactive = argc <= 1;
   const int status = interactive ? runInteractive() : runScripts(argc - 1, argv + 1);
