@@ -78,7 +78,7 @@ void compareLinks(SettingPlace place, const char* side, const std::vector<Link>&
 
 Fields unknown(Fields fields) {
   for (auto& [name, value] : fields)
-    value = {};
+    value.emplace<std::monostate>();
   return fields;
 }
 
