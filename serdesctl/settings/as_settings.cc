@@ -151,7 +151,7 @@ class PortWriter {
   template <typename Link>
   std::string liveLine(const std::vector<Link>& links, const char* side, std::string (*line)(Link)) {
     if (links.empty()) return "";
-    const std::string first = line(links.front());
+    std::string first = line(links.front());
     const auto differs = [&](const Link& link) { return line(link) != first; };
     if (std::any_of(links.begin(), links.end(), differs)) {
       leaveOut("live " + std::string(side) + " settings, since its links differ");

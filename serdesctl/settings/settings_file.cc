@@ -39,10 +39,11 @@ std::string listed(const std::vector<std::string>& words) {
   return text;
 }
 
-std::vector<std::string> namesOf(std::span<const ValueName> names) {
+std::vector<std::string> namesOf(std::span<const ValueName> names, const char* ValueName::*which = &ValueName::name) {
   std::vector<std::string> words;
+  words.reserve(names.size());
   for (const ValueName& name : names)
-    words.emplace_back(name.name);
+    words.emplace_back(name.*which);
   return words;
 }
 
@@ -276,9 +277,7 @@ class EntryReader {
   }
 
   static void checkSlew(const TableReader& reader, const toml::node& node, std::int32_t slewPs) {
-    std::vector<std::string> allowed;
-    for (const ValueName& name : slewRateNames)
-      allowed.emplace_back(name.shortName);
+    const std::vector<std::string> allowed = namesOf(slewRateNames, &ValueName::shortName);
     if (!findName(allowed, std::to_string(slewPs))) reader.complain(node, "slew", "none of " + listed(allowed));
   }
 

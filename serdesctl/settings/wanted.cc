@@ -254,24 +254,24 @@ void carry(std::optional<std::int32_t>& value, std::int32_t cached, std::int32_t
   if (lowest <= cached && cached <= highest) value = cached;
 }
 
-// What a port has once it has got another rate's cache, as far as links can have it; the rest as it is now.
-LiveTx afterRate(const LiveTx& now, const TxRawValues& cache) {
-  LiveTx link = now;
-  const auto mode = static_cast<std::uint32_t>(cache.mode);
+// What a link has once it has got another rate's cache, if any, as far as links can have it; the rest as it is now.
+FfeValues afterRate(FfeValues link, const TxRawValues* cache) {
+  if (cache == nullptr) return link;
+  const auto mode = static_cast<std::uint32_t>(cache->mode);
   if (mode < ffeModeNames.size()) link.ffeMode = ffeModeNames[mode].name;
-  carry(link.k, cache.power, 0, 255);
-  carry(link.c0, cache.p[0], -128, 127);
-  carry(link.c1, cache.p[1], -128, 127);
-  carry(link.c2, cache.p[2], -128, 127);
-  carry(link.c3, cache.p[3], -128, 127);
+  carry(link.k, cache->power, 0, 255);
+  carry(link.c0, cache->p[0], -128, 127);
+  carry(link.c1, cache->p[1], -128, 127);
+  carry(link.c2, cache->p[2], -128, 127);
+  carry(link.c3, cache->p[3], -128, 127);
   return link;
 }
 
-LiveRx afterRate(const LiveRx& now, const RxRawValues& cache) {
-  LiveRx link = now;
-  carry(link.pole, cache.p[0], -128, 127);
-  carry(link.peak, cache.p[1], -128, 127);
-  carry(link.amax, cache.p[2], -128, 127);
+VgaValues afterRate(VgaValues link, const RxRawValues* cache) {
+  if (cache == nullptr) return link;
+  carry(link.pole, cache->p[0], -128, 127);
+  carry(link.peak, cache->p[1], -128, 127);
+  carry(link.amax, cache->p[2], -128, 127);
   return link;
 }
 
@@ -320,7 +320,8 @@ class PortBuilder {
     const auto* const cache = newRateCache(now_.txCaches, port_.txCaches);
     for (const LiveTx& now : now_.tx) {
       LiveTx& link = port_.tx.emplace_back();
-      if (saysAny<FfeValues>(said)) static_cast<FfeValues&>(link) = cache != nullptr ? afterRate(now, *cache) : now;
+      if (saysAny<FfeValues>(said))
+        static_cast<FfeValues&>(link) = afterRate(static_cast<const FfeValues&>(now), cache);
       overlay(link, said);
       if (saysAny<FfeValues>(said) && !saysAll<FfeValues>(link)) complainOfUnknown("k, c0 to c3 or the mode");
     }
@@ -332,7 +333,8 @@ class PortBuilder {
     const auto* const cache = newRateCache(now_.rxCaches, port_.rxCaches);
     for (const LiveRx& now : now_.rx) {
       LiveRx& link = port_.rx.emplace_back();
-      if (saysAny<VgaValues>(said)) static_cast<VgaValues&>(link) = cache != nullptr ? afterRate(now, *cache) : now;
+      if (saysAny<VgaValues>(said))
+        static_cast<VgaValues&>(link) = afterRate(static_cast<const VgaValues&>(now), cache);
       overlay(link, said);
       if (saysAny<VgaValues>(said) && !saysAll<VgaValues>(link)) complainOfUnknown("pole, peak or amax");
     }
