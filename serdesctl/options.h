@@ -80,6 +80,32 @@ struct SettingsOptions {
   std::string file;
 };
 
+struct PlanOptions {
+  std::string file;
+  bool throughCache = false;
+  bool script = false;
+  std::string output;
+  bool json = false;
+};
+
+// Of apply, restore, undo and confirm.
+struct ChangeOptions {
+  std::string file;
+  std::string run;
+  std::string ports;
+  std::optional<std::uint32_t> asic;
+  bool yes = false;
+  bool throughCache = false;
+  bool partial = false;
+  bool force = false;
+  std::optional<double> guard;
+  std::optional<double> confirm;
+};
+
+struct HistoryOptions {
+  bool json = false;
+};
+
 struct Options {
   CommonOptions common;
   RunOptions run;
@@ -90,6 +116,9 @@ struct Options {
   SaveOptions save;
   DiffOptions diff;
   SettingsOptions settings;
+  PlanOptions plan;
+  ChangeOptions change;
+  HistoryOptions history;
 };
 
 // A subcommand: its word, what --help says about it, its own options, and what it does. `perform` gives the exit

@@ -149,7 +149,9 @@ void closeTool(Conversation& tool, const Target& target) {
 Target chosenTarget(const CommonOptions& options) {
   TargetWords words = options.target;
   words.waitForLock = Seconds(options.waitForLock);
-  return findTarget(words);
+  Target target = findTarget(words);
+  warnOfRunsLeft(target);
+  return target;
 }
 
 }  // namespace serdesctl
