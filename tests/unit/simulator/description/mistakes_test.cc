@@ -42,11 +42,11 @@ std::string errorOf(const std::string& text) {
 
 const std::string kUnknown = "unknown key; there are ";
 const std::string kCoreKeys =
-    "cores, type, pll_registers, rx_registers, tx_registers, rx_params, tx_params, first_port, temperature";
+    "cores, type, pll_registers, rx_registers, tx_registers, rx_params, tx_params, first_port, temperature, pll_values";
 const std::string kPortKeys =
     "ports, kind, port_type, present, user_port, links, rx_links, tx_links, ports_per_core, core, rx_core, tx_core, "
     "misplaced, media, media_speeds, speeds, channel, far_end, partner, speed, sends, signal_detect_mv, load, cache, "
-    "live";
+    "live, tx_values, rx_values";
 const std::string kTopKeys = "slots, aux_ports, seed, type_names, clock, settings, channels, asics, user_ports, faults";
 
 class DescriptionMistakes : public testing::TestWithParam<Mistake> {};
