@@ -55,6 +55,25 @@ void addJournalOptions(CLI::App& app, Options& options) {
   app.add_flag("--json", journal.json, "Print an object a line for each command");
 }
 
+void addTwinOptions(CLI::App& app, Options& options) {
+  TwinOptions& twin = options.twin;
+  app.add_option("SAVE", twin.save, "Of this save, - for standard input; without it of the switch as it is");
+  app.add_option("-o,--output", twin.output, "Write the description to FILE, and show how well it fits")
+      ->type_name("FILE");
+  app.add_flag("--registers", twin.registers, "With the values of the switch's registers; a save has them or not");
+  app.add_flag("--json", twin.json, "Print how well it fits as one JSON object");
+}
+
+void addRehearseOptions(CLI::App& app, Options& options) {
+  RehearseOptions& rehearse = options.rehearse;
+  app.add_option("FILE", rehearse.file,
+                 "A script, or a file whose name ends in .toml (settings) or .json (a save, a plan)")
+      ->required();
+  app.add_option("--on", rehearse.on, "On a twin of this save, instead of the switch as it is")->type_name("SAVE");
+  app.add_flag("--through-cache", rehearse.throughCache, "Settings without a keyword by the cache, as for apply");
+  app.add_flag("--json", rehearse.json, "Print one JSON object");
+}
+
 void addShowOptions(CLI::App& app, Options& options) {
   ShowOptions& show = options.show;
   app.add_option("COMMAND", show.command, "A command that shows something, with its words: showTxParams 0-3")
@@ -140,6 +159,7 @@ void addApplyOptions(CLI::App& app, Options& options) {
       ->required()
       ->type_name("SETTINGS|PLAN");
   app.add_flag("--through-cache", options.change.throughCache, kThroughCacheHelp);
+  app.add_flag("--rehearse", options.change.rehearse, "Try it on a twin first; send nothing if a port gets worse");
   addChangeOptions(app, options.change);
 }
 
@@ -167,7 +187,7 @@ void addConfirmOptions(CLI::App& app, Options& options) {
   app.add_option("RUN", options.change.run, "A run as pending calls it")->required();
 }
 
-constexpr std::array<Subcommand, 15> kSubcommands = {{
+constexpr std::array<Subcommand, 17> kSubcommands = {{
     {
         .name = "run",
         .description = "Check scripts and run them, up to the first command that fails",
@@ -191,6 +211,18 @@ constexpr std::array<Subcommand, 15> kSubcommands = {{
         .description = "Show how well ports run, the worst first",
         .addOptions = addHealthOptions,
         .perform = performHealth,
+    },
+    {
+        .name = "twin",
+        .description = "Make a description for the simulated switch, whose links read as the switch's",
+        .addOptions = addTwinOptions,
+        .perform = performTwin,
+    },
+    {
+        .name = "rehearse",
+        .description = "Try a script or settings on a twin: what changes, what is refused, which ports get worse",
+        .addOptions = addRehearseOptions,
+        .perform = performRehearse,
     },
     {
         .name = "journal",

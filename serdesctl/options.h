@@ -80,6 +80,20 @@ struct SettingsOptions {
   std::string file;
 };
 
+struct TwinOptions {
+  std::string save;
+  std::string output;
+  bool registers = false;
+  bool json = false;
+};
+
+struct RehearseOptions {
+  std::string file;
+  std::string on;
+  bool throughCache = false;
+  bool json = false;
+};
+
 struct PlanOptions {
   std::string file;
   bool throughCache = false;
@@ -97,6 +111,7 @@ struct ChangeOptions {
   bool yes = false;
   bool throughCache = false;
   bool partial = false;
+  bool rehearse = false;
   bool force = false;
   std::optional<double> guard;
   std::optional<double> confirm;
@@ -115,6 +130,8 @@ struct Options {
   HealthOptions health;
   SaveOptions save;
   DiffOptions diff;
+  TwinOptions twin;
+  RehearseOptions rehearse;
   SettingsOptions settings;
   PlanOptions plan;
   ChangeOptions change;

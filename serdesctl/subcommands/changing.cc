@@ -22,6 +22,7 @@
 #include "serdesctl/settings/wanted.h"
 #include "serdesctl/state/capture.h"
 #include "serdesctl/state/json_place.h"
+#include "serdesctl/subcommands/rehearsals.h"
 
 namespace serdesctl {
 namespace {
@@ -333,6 +334,7 @@ int changeSwitch(OpenedSwitch& opened, const Options& options, const Wish& wish,
     throw UsageError("not all can be done; --partial does the rest, and nothing was sent");
   }
   if (wish.plan.steps.empty()) return kDone;
+  if (change.rehearse && !rehearsedWell(opened, options.common, wish.plan, wish.source)) return kFailed;
   askPerson(change.yes, wish.plan.steps.size());
 
   const std::string folder = openToWrite(journalFolder);

@@ -12,6 +12,8 @@ int performParse(const Options& options);
 int performHealth(const Options& options);
 int performJournal(const Options& options);
 int performSave(const Options& options);
+int performRehearse(const Options& options);
+int performTwin(const Options& options);
 int performDiff(const Options& options);
 int performSettings(const Options& options);
 int performPlan(const Options& options);
