@@ -299,8 +299,8 @@ bool sameRxSettings(const SerDesTraits& traits, const RegisterFile& a, const Reg
 }
 
 double ModelPort::baud(std::uint32_t speed, std::size_t links) const {
-  const std::uint32_t inForce = speed != SPEED_AUTO ? speed : simulator::lowestSpeed(speeds);
-  return simulator::lineRateOf(inForce).gigabaud(kind) / static_cast<double>(std::max<std::size_t>(links, 1));
+  const std::uint32_t chosen = speed != SPEED_AUTO ? speed : simulator::lowestSpeed(speeds);
+  return simulator::lineRateOf(chosen).gigabaud(kind) / static_cast<double>(std::max<std::size_t>(links, 1));
 }
 
 SwitchModel modelOf(const SwitchState& state) {

@@ -93,6 +93,20 @@ class Rehearse(ProgramTest):
         self.assertEqual({c["port"] for c in report["changes"]}, {3})
         self.assertEqual((report["ports"][0]["port"], report["ports"][0]["trend"]), (3, "worse"))
 
+    def test_apply_rehearses_first(self) -> None:
+        words = ["-t", BENCH, "--state", str(self.folder / "state")]
+        save = self.folder / "save.json"
+        self.assertEqual(self.ctl(*words, "save", "-o", save).status, 0)
+        bad = '[[settings]]\nports = "3"\ntransmit = { mode = "FFE2", k = 20, c0 = 0, c1 = 30, c2 = -30, c3 = 0 }\n'
+        done = self.ctl(*words, "apply", "--rehearse", "--yes", self.script(bad, "bad.toml"))
+        self.assertEqual(done.status, 1)
+        self.assertRegex(done.err, r"nothing was sent, for on a twin ports get worse:\nworse: ASIC 0 port 3: good -> ")
+        self.assertEqual(self.ctl(*words, "diff", save).status, 0)
+        good = '[[settings]]\nports = "3"\nto = ["2G"]\ntransmit = { k = 90 }\n'
+        done = self.ctl(*words, "apply", "--rehearse", "--yes", self.script(good, "good.toml"))
+        self.assertEqual(done.status, 0, done.err)
+        self.assertEqual(self.ctl(*words, "diff", save).status, 1)
+
     def test_two_asics(self) -> None:
         report = self.rehearse("setAsicNum 1\nsetTxEnable 0 3\n", target="sim")
         self.assertEqual(
