@@ -127,7 +127,7 @@ tx_core = 1
 speed = "8G"
 live = "other"
 cache = { 4G = "numbers" }
-tx_values = [[], [0, 1, 0, 77]]
+tx_values = [[0, 1, 0, 77]]
 rx_values = [[0, 1, 38, 70]]
 
 [[asics.ports]]
@@ -405,7 +405,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"Port/cache", "cache = \"fast\"", "cache = { 4G = \"fast\", 8G = \"other\" }",
             "GetSerDesTxRateParams(0, 0, 4)"},
         Row{"Port/live", "live = \"fast\"", "live = \"other\"", "GetSerDesTxFFE(0, 2,"},
-        Row{"Port/tx_values", "0, 77]", "0, 78]", "ReadSerDesLinkRegister(0, 3, 1, 1, 0x03"},
+        Row{"Port/tx_values", "0, 77]", "0, 78]", "ReadSerDesLinkRegister(0, 3, 0, 1, 0x03"},
         Row{"Port/rx_values", "38, 70]", "38, 71]", "ReadSerDesLinkRegister(0, 3, 0, 0, 0x03"},
         Row{"Partner/settings", "settings = \"fast\"", "settings = \"other\"", kStats2},
         Row{"Partner/speed", "\"fast\", speed = \"AUTO\"", "\"fast\", speed = \"4G\"", "GetPortInfo"},
