@@ -32,7 +32,8 @@ class Search {
     for (double length = row_.coarse; length <= row_.longest && !isBeyond(length, best); length += row_.coarse)
       keepBetter(length, best);
     if (best.residual > bound + kRoughly) return best;
-    for (double step = row_.coarse / 2; step >= kFinest; step /= 2) {
+    double step = row_.coarse;
+    while ((step /= 2) >= kFinest) {
       const double middle = best.length;
       for (const double length : {middle - step, middle + step})
         if (length >= 0 && length <= row_.longest) keepBetter(length, best);

@@ -321,7 +321,7 @@ class Writer {
   }
 
   std::string addChannel(const ModelAsic& asic, const ModelPort& port, const PortFit& fit) {
-    const std::string name = "asic" + std::to_string(asic.number) + "_port" + std::to_string(port.config->port);
+    std::string name = "asic" + std::to_string(asic.number) + "_port" + std::to_string(port.config->port);
     channels_ += "[channels." + name + "]\n" + line(mediumRow(fit.medium).lengthKey, fixed(fit.length)) +
                  (fit.medium == Medium::kBoard ? line("connectors", 2) : "") + "\n";
     return name;
