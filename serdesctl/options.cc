@@ -55,6 +55,25 @@ void addJournalOptions(CLI::App& app, Options& options) {
   app.add_flag("--json", journal.json, "Print an object a line for each command");
 }
 
+void addTwinOptions(CLI::App& app, Options& options) {
+  TwinOptions& twin = options.twin;
+  app.add_option("SAVE", twin.save, "Of this save, - for standard input; without it of the switch as it is");
+  app.add_option("-o,--output", twin.output, "Write the description to FILE, and show how well it fits")
+      ->type_name("FILE");
+  app.add_flag("--registers", twin.registers, "With the values of the switch's registers; a save has them or not");
+  app.add_flag("--json", twin.json, "Print how well it fits as one JSON object");
+}
+
+void addRehearseOptions(CLI::App& app, Options& options) {
+  RehearseOptions& rehearse = options.rehearse;
+  app.add_option("FILE", rehearse.file,
+                 "A script, or a file whose name ends in .toml (settings) or .json (a save, a plan)")
+      ->required();
+  app.add_option("--on", rehearse.on, "On a twin of this save, instead of the switch as it is")->type_name("SAVE");
+  app.add_flag("--through-cache", rehearse.throughCache, "Settings without a keyword by the cache, as for apply");
+  app.add_flag("--json", rehearse.json, "Print one JSON object");
+}
+
 void addShowOptions(CLI::App& app, Options& options) {
   ShowOptions& show = options.show;
   app.add_option("COMMAND", show.command, "A command that shows something, with its words: showTxParams 0-3")
@@ -112,7 +131,63 @@ void addSettingsOptions(CLI::App& app, Options& options) {
   app.add_option("FILE", options.settings.file, "A settings file, - for standard input")->required();
 }
 
-constexpr std::array<Subcommand, 8> kSubcommands = {{
+constexpr const char* kThroughCacheHelp =
+    "Set what has no keyword by the cache of the running rate, and the speed anew; the cache is put back";
+
+void addPlanOptions(CLI::App& app, Options& options) {
+  PlanOptions& plan = options.plan;
+  app.add_option("FILE", plan.file, "A settings file or a save")->required()->type_name("SETTINGS|SAVE");
+  app.add_flag("--through-cache", plan.throughCache, kThroughCacheHelp);
+  app.add_option("-o,--output", plan.output, "Keep the plan in FILE, for apply")->type_name("FILE");
+  CLI::Option* const script = app.add_flag("--script", plan.script, "Print the commands alone, as a script");
+  app.add_flag("--json", plan.json, "Print one JSON object")->excludes(script);
+}
+
+void addChangeOptions(CLI::App& app, ChangeOptions& change) {
+  app.add_flag("-y,--yes", change.yes, "Do not ask");
+  app.add_flag("--partial", change.partial, "Do what can be done where not all can");
+  app.add_option("--guard", change.guard, "Watch the ports so long, and roll back if one gets worse")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.1, kLongestSeconds));
+  app.add_option("--confirm", change.confirm, "Roll back unless somebody confirms in this time")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.1, kLongestSeconds));
+}
+
+void addApplyOptions(CLI::App& app, Options& options) {
+  app.add_option("FILE", options.change.file, "A settings file, or a plan that was kept")
+      ->required()
+      ->type_name("SETTINGS|PLAN");
+  app.add_flag("--through-cache", options.change.throughCache, kThroughCacheHelp);
+  app.add_flag("--rehearse", options.change.rehearse, "Try it on a twin first; send nothing if a port gets worse");
+  addChangeOptions(app, options.change);
+}
+
+void addRestoreOptions(CLI::App& app, Options& options) {
+  app.add_option("SAVE", options.change.file, "A save")->required();
+  app.add_option("--ports", options.change.ports, "These ports alone: gl, 1-5,7")->type_name("LIST");
+  app.add_option("--asic", options.change.asic, "Of this ASIC; LIST is of ASIC 0 unless told")
+      ->type_name("NUMBER")
+      ->check(CLI::Range(0, 1));
+  app.add_flag("--through-cache", options.change.throughCache, kThroughCacheHelp);
+  addChangeOptions(app, options.change);
+}
+
+void addUndoOptions(CLI::App& app, Options& options) {
+  app.add_option("RUN", options.change.run, "A run as history calls it; without it the last one");
+  app.add_flag("--force", options.change.force, "Even where somebody else has changed the same settings since");
+  addChangeOptions(app, options.change);
+}
+
+void addHistoryOptions(CLI::App& app, Options& options) {
+  app.add_flag("--json", options.history.json, "Print an object a line for each run");
+}
+
+void addConfirmOptions(CLI::App& app, Options& options) {
+  app.add_option("RUN", options.change.run, "A run as pending calls it")->required();
+}
+
+constexpr std::array<Subcommand, 17> kSubcommands = {{
     {
         .name = "run",
         .description = "Check scripts and run them, up to the first command that fails",
@@ -138,6 +213,18 @@ constexpr std::array<Subcommand, 8> kSubcommands = {{
         .perform = performHealth,
     },
     {
+        .name = "twin",
+        .description = "Make a description for the simulated switch, whose links read as the switch's",
+        .addOptions = addTwinOptions,
+        .perform = performTwin,
+    },
+    {
+        .name = "rehearse",
+        .description = "Try a script or settings on a twin: what changes, what is refused, which ports get worse",
+        .addOptions = addRehearseOptions,
+        .perform = performRehearse,
+    },
+    {
         .name = "journal",
         .description = "Show what was changed, by whom and when; with --target that target's alone",
         .addOptions = addJournalOptions,
@@ -160,6 +247,48 @@ constexpr std::array<Subcommand, 8> kSubcommands = {{
         .description = "Check a settings file; with --target against the ports of that switch",
         .addOptions = addSettingsOptions,
         .perform = performSettings,
+    },
+    {
+        .name = "plan",
+        .description = "Show what would be done for a switch to be as a file says, and do nothing",
+        .addOptions = addPlanOptions,
+        .perform = performPlan,
+    },
+    {
+        .name = "apply",
+        .description = "Make a switch as a settings file says: send, read back, roll back what fails",
+        .addOptions = addApplyOptions,
+        .perform = performApply,
+    },
+    {
+        .name = "restore",
+        .description = "Make a switch as a save says",
+        .addOptions = addRestoreOptions,
+        .perform = performRestore,
+    },
+    {
+        .name = "undo",
+        .description = "Put back what a run of apply, restore or undo has changed",
+        .addOptions = addUndoOptions,
+        .perform = performUndo,
+    },
+    {
+        .name = "history",
+        .description = "Show the runs that changed switches; with --target that one's alone",
+        .addOptions = addHistoryOptions,
+        .perform = performHistory,
+    },
+    {
+        .name = "pending",
+        .description = "Show the runs that wait for a confirmation, and those that were interrupted",
+        .addOptions = addHistoryOptions,
+        .perform = performPending,
+    },
+    {
+        .name = "confirm",
+        .description = "Confirm a run that waits",
+        .addOptions = addConfirmOptions,
+        .perform = performConfirm,
     },
 }};
 

@@ -80,6 +80,47 @@ struct SettingsOptions {
   std::string file;
 };
 
+struct TwinOptions {
+  std::string save;
+  std::string output;
+  bool registers = false;
+  bool json = false;
+};
+
+struct RehearseOptions {
+  std::string file;
+  std::string on;
+  bool throughCache = false;
+  bool json = false;
+};
+
+struct PlanOptions {
+  std::string file;
+  bool throughCache = false;
+  bool script = false;
+  std::string output;
+  bool json = false;
+};
+
+// Of apply, restore, undo and confirm.
+struct ChangeOptions {
+  std::string file;
+  std::string run;
+  std::string ports;
+  std::optional<std::uint32_t> asic;
+  bool yes = false;
+  bool throughCache = false;
+  bool partial = false;
+  bool rehearse = false;
+  bool force = false;
+  std::optional<double> guard;
+  std::optional<double> confirm;
+};
+
+struct HistoryOptions {
+  bool json = false;
+};
+
 struct Options {
   CommonOptions common;
   RunOptions run;
@@ -89,7 +130,12 @@ struct Options {
   HealthOptions health;
   SaveOptions save;
   DiffOptions diff;
+  TwinOptions twin;
+  RehearseOptions rehearse;
   SettingsOptions settings;
+  PlanOptions plan;
+  ChangeOptions change;
+  HistoryOptions history;
 };
 
 // A subcommand: its word, what --help says about it, its own options, and what it does. `perform` gives the exit

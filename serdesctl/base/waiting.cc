@@ -96,6 +96,13 @@ int caughtSignal() {
   return caught;
 }
 
+void forgetSignal() {
+  caught = 0;
+  std::array<char, 16> bytes;
+  while (::read(wakeupReader.get(), bytes.data(), bytes.size()) > 0) {
+  }
+}
+
 void throwIfInterrupted() {
   if (caught != 0) throw Interrupted(caught);
 }

@@ -28,6 +28,9 @@ class SignalWatch {
 // The signal that came, 0 for none.
 int caughtSignal();
 
+// As if no signal had come: for those who must put something in order first.
+void forgetSignal();
+
 // Throws Interrupted when a signal came.
 void throwIfInterrupted();
 

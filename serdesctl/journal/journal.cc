@@ -87,6 +87,7 @@ class EntryReader {
     entry.host = record.at("host");
     entry.target = record.at("target");
     entry.command = record.at("command");
+    if (record.contains("changes")) entry.changes = record["changes"].dump();
     entry.result = kUnknown;
     places_[position] = entries_.size();
     entries_.push_back(std::move(entry));
@@ -120,6 +121,13 @@ void RunJournal::intend(std::span<const std::string> commands) {
     lines += recordHead(run_, ++number, kIntent) + who_ + field("command", quotedText(command)) + "}\n";
   write(lines, true);
   intended_ = number;
+}
+
+void RunJournal::intend(const std::string& command, const std::string& changes) {
+  write(recordHead(run_, intended_ + 1, kIntent) + who_ + field("command", quotedText(command)) +
+            field("changes", changes) + "}\n",
+        true);
+  ++intended_;
 }
 
 void RunJournal::answered(CmdStatus status) {

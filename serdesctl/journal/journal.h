@@ -17,6 +17,8 @@ class RunJournal : public ChangeLog {
   RunJournal(JournalFile file, const std::string& target, bool toSyslog);
 
   void intend(std::span<const std::string> commands) override;
+  // The same of one command with what it changes, as JSON.
+  void intend(const std::string& command, const std::string& changes);
   void answered(CmdStatus status) override;
   void lost(const std::string& reason) override;
   void dropRest() override;
@@ -48,6 +50,7 @@ struct JournalEntry {
   std::string host;
   std::string target;
   std::string command;
+  std::string changes;  // what the command was to change, as JSON; empty: not told
   // "answered" with a status, "unknown" with or without a reason (sent or about to be, and no answer is known), "not
   // sent"
   std::string result;

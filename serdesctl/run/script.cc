@@ -171,6 +171,17 @@ Script readScript(const std::string& file) {
   }
 }
 
+std::set<std::uint32_t> selectedAsics(const std::vector<Script>& scripts) {
+  std::set<std::uint32_t> asics;
+  for (const Script& script : scripts) {
+    for (const Step& step : script) {
+      if (step.words.empty()) continue;
+      if (const auto asic = selectedAsic(step.words)) asics.insert(*asic);
+    }
+  }
+  return asics;
+}
+
 CheckedScripts checkScripts(const std::vector<Script>& scripts, Rehearsal& rehearsal) {
   CheckedScripts checked;
   for (const Script& script : scripts) {

@@ -4,6 +4,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -31,6 +33,9 @@ using Script = std::vector<Step>;
 
 // Reads a script, "-" for standard input. What cannot be read is a step with a fault.
 Script readScript(const std::string& file);
+
+// The ASICs that scripts select, whatever else is wrong with them.
+std::set<std::uint32_t> selectedAsics(const std::vector<Script>& scripts);
 
 struct CheckedScripts {
   Script steps;                       // all that would be run, in order, each script up to its exit

@@ -102,6 +102,7 @@ Conversation::Conversation(const Target& target, Seconds timeout)
 Answer Conversation::ask(const std::string& command) {
   refuseUnlessSendable(command);
   throwIfInterrupted();
+  broken_ = true;
   refuseStrayText();
   const TimePoint start = Clock::now();
   const TimePoint deadline = after(timeout_);
@@ -112,6 +113,7 @@ Answer Conversation::ask(const std::string& command) {
   auto answer = readAnswer(text);
   if (!answer) throw AnswerError(said("the " + what + " is not as the tool answers"));
   answer->elapsed = Clock::now() - start;
+  broken_ = false;
   return *answer;
 }
 

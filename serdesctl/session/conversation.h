@@ -38,6 +38,11 @@ class Conversation {
     return startText_;
   }
 
+  // An answer has not come: nothing more can be asked.
+  bool isBroken() const {
+    return broken_;
+  }
+
   // Sends a command, its words apart by blanks, and waits for its answer. Refuses loop and exit by UsageError.
   // After an exception nothing more can be asked.
   Answer ask(const std::string& command);
@@ -65,6 +70,7 @@ class Conversation {
   std::string complaints_;  // the end of the tool's standard error
   bool complaintsOpen_ = true;
   bool started_ = false;
+  bool broken_ = false;
   std::optional<TimePoint> patience_;  // after a signal: until when the answer under way may still come
 };
 

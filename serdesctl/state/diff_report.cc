@@ -76,8 +76,7 @@ std::string textDiff(const Comparison& comparison, const ComparedNames& names, b
   return text.empty() ? "" : "--- " + names.before + "\n+++ " + names.after + "\n" + text;
 }
 
-std::string jsonDiff(const Comparison& comparison, const ComparedNames& names) {
-  Json report = {{"schema", 1}, {"kind", "diff"}, {"before", names.before}, {"after", names.after}};
+Json differenceRecords(const Comparison& comparison) {
   Json records = Json::array();
   for (const auto& [kind, differences] : listsOf(comparison)) {
     for (const Difference& difference : *differences) {
@@ -89,9 +88,14 @@ std::string jsonDiff(const Comparison& comparison, const ComparedNames& names) {
       records.push_back(std::move(record));
     }
   }
+  return records;
+}
+
+std::string jsonDiff(const Comparison& comparison, const ComparedNames& names) {
+  Json report = {{"schema", 1}, {"kind", "diff"}, {"before", names.before}, {"after", names.after}};
   report["only_before"] = placesJson(comparison.notInSecond);
   report["only_after"] = placesJson(comparison.notInFirst);
-  report["records"] = std::move(records);
+  report["records"] = differenceRecords(comparison);
   return jsonLine(report);
 }
 

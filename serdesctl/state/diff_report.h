@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include "serdesctl/state/compare.h"
 
 namespace serdesctl {
@@ -18,6 +20,9 @@ std::string textDiff(const Comparison& comparison, const ComparedNames& names, b
 
 // One object, all differences among its records.
 std::string jsonDiff(const Comparison& comparison, const ComparedNames& names);
+
+// The records of that object.
+nlohmann::ordered_json differenceRecords(const Comparison& comparison);
 
 // Whether both states are the same, and of the same ports.
 bool isSame(const Comparison& comparison);

@@ -85,6 +85,7 @@ std::string jsonLine(const JournalEntry& entry) {
   object["status"] = entry.status ? Json(static_cast<int>(*entry.status)) : Json();
   object["status_name"] = entry.status ? Json(statusName(*entry.status)) : Json();
   object["reason"] = entry.reason;
+  if (!entry.changes.empty()) object["changes"] = Json::parse(entry.changes);
   return object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

@@ -83,18 +83,6 @@ class JsonReport : public RunObserver {
   Output& output_;
 };
 
-// The ASICs that scripts select, whatever else is wrong with them.
-std::set<std::uint32_t> selectedAsics(const std::vector<Script>& scripts) {
-  std::set<std::uint32_t> asics;
-  for (const Script& script : scripts) {
-    for (const Step& step : script) {
-      if (step.words.empty()) continue;
-      if (const auto asic = selectedAsic(step.words)) asics.insert(*asic);
-    }
-  }
-  return asics;
-}
-
 CheckedScripts checkOnSwitch(const std::vector<Script>& scripts, Conversation& tool) {
   Rehearsal rehearsal(learnSwitch(tool, selectedAsics(scripts)));
   return checkScripts(scripts, rehearsal);
@@ -149,7 +137,9 @@ void closeTool(Conversation& tool, const Target& target) {
 Target chosenTarget(const CommonOptions& options) {
   TargetWords words = options.target;
   words.waitForLock = Seconds(options.waitForLock);
-  return findTarget(words);
+  Target target = findTarget(words);
+  warnOfRunsLeft(target);
+  return target;
 }
 
 }  // namespace serdesctl

@@ -12,10 +12,22 @@ int performParse(const Options& options);
 int performHealth(const Options& options);
 int performJournal(const Options& options);
 int performSave(const Options& options);
+int performRehearse(const Options& options);
+int performTwin(const Options& options);
 int performDiff(const Options& options);
 int performSettings(const Options& options);
+int performPlan(const Options& options);
+int performApply(const Options& options);
+int performRestore(const Options& options);
+int performUndo(const Options& options);
+int performHistory(const Options& options);
+int performPending(const Options& options);
+int performConfirm(const Options& options);
 
-// The target that the command line names, with the lock's patience.
+// Says which runs on the target were interrupted, and nobody has taken back.
+void warnOfRunsLeft(const Target& target);
+
+// The target that the command line names, with the lock's patience, to be opened.
 Target chosenTarget(const CommonOptions& options);
 
 // Ends the tool; throws ConnectionError when it ends badly.

@@ -39,6 +39,14 @@ struct Settings {
   SerDesRxRateParams rx{};
 };
 
+// Settings of a port that names none: those after a reset.
+inline constexpr Settings kPlainSettings = {
+    .tx = {.power = 115, .slew = SLEW_36PS, .mode = FFE_NONE, .p0 = 0, .p1 = 63, .p2 = 0, .p3 = 0},
+    .rx = {.mode = DFE_3, .p0 = 6, .p1 = 4, .p2 = 0x4e, .p3 = 0}};
+inline constexpr Settings kPlainEthernetSettings = {
+    .tx = {.power = 7, .slew = SLEW_UNKNOWN, .mode = FFE_NONE, .p0 = 0, .p1 = 0, .p2 = 0, .p3 = 0},
+    .rx = {.mode = 0, .p0 = 2, .p1 = 0, .p2 = 0, .p3 = 0}};
+
 // What a port's cable ends at.
 enum class FarEnd : std::uint8_t {
   kNothing,
@@ -53,6 +61,10 @@ struct PartnerDescription {
   bool sends = true;
   unsigned pattern = 0;  // 0 frames, 1 to 3 a test pattern
 };
+
+// Registers at the start, from address 0 on: of a core's PLL, or of each of some links.
+using RegisterValues = std::vector<std::uint16_t>;
+using LinkValues = std::vector<RegisterValues>;
 
 struct PortDescription {
   std::uint32_t portType = 0;              // kPortTypeGl, kPortTypeXg, kPortTypeExg
@@ -77,6 +89,8 @@ struct PortDescription {
   unsigned loadPercent = 100;               // share of the line rate that frames take
   std::array<Settings, kSpeeds> caches{};   // by port_speed_type; AUTO has none
   std::optional<Settings> live = {};        // in force at start instead of the cache's
+  LinkValues txValues = {};                 // registers at start, whatever the settings say
+  LinkValues rxValues = {};
 };
 
 struct CoreDescription {
@@ -88,6 +102,7 @@ struct CoreDescription {
   unsigned txParams = 0;
   unsigned firstPort = 0;
   int temperature = 45;  // degrees Celsius, with all transmitters off
+  RegisterValues pllValues = {};
 };
 
 struct AsicDescription {

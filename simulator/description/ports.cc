@@ -44,7 +44,7 @@ struct PortDraft {
   unsigned portsPerCore{};  // of the entry
   bool isMisplaced = false;
   std::optional<SpeedSet> mediaSpeeds;
-  std::optional<TomlValue> placed, userPort, farEnd, channel;
+  std::optional<TomlValue> placed, userPort, farEnd, channel, txValues, rxValues;
   std::array<std::optional<Use>, kSpeeds> caches;
   std::optional<Use> live, partner;
 };
@@ -57,6 +57,20 @@ void setType(const TomlValue& value, CoreDescription& core) {
   core.txRegisters = traits.tx.count;
   core.rxParams = traits.rxParamCount;
   core.txParams = traits.txParamCount;
+}
+
+// Settings that a switch works out from its registers need not agree with these: the registers are what it is.
+RegisterValues registerValues(const TomlValue& value) {
+  const std::vector<std::int64_t> values = value.integers(0, UINT16_MAX);
+  if (values.size() > kMaxRegisters) value.fail("has more than 32 values");
+  return {values.begin(), values.end()};
+}
+
+LinkValues linkValues(const TomlValue& value) {
+  LinkValues links;
+  for (const TomlValue& link : value.lists())
+    links.push_back(registerValues(link));
+  return links;
 }
 
 constexpr auto kCoreKeys = std::to_array<Key<CoreDraft>>({
@@ -73,6 +87,7 @@ constexpr auto kCoreKeys = std::to_array<Key<CoreDraft>>({
        draft.hasFirstPort = true;
      }},
     {"temperature", [](auto& value, auto& draft) { value.store(draft.core.temperature, -55, 125); }},
+    {"pll_values", [](auto& value, auto& draft) { draft.core.pllValues = registerValues(value); }},
 });
 
 void setKind(const TomlValue& value, PortDraft& draft) {
@@ -191,6 +206,16 @@ constexpr auto kPortKeys = std::to_array<Key<PortDraft>>({
        draft.live = useOf(value, draft);
        draft.port.live = draft.live->named->settings;
      }},
+    {"tx_values",
+     [](auto& value, auto& draft) {
+       draft.txValues = value;
+       draft.port.txValues = linkValues(value);
+     }},
+    {"rx_values",
+     [](auto& value, auto& draft) {
+       draft.rxValues = value;
+       draft.port.rxValues = linkValues(value);
+     }},
 });
 
 void readEntry(const TomlTable& table, unsigned, unsigned, CoreDraft& draft) {
@@ -248,7 +273,7 @@ void checkCable(const std::vector<PortDraft>& drafts, unsigned index) {
 
 void judgeUse(const std::optional<Use>& use, SerDesLinkType side, unsigned serDesType, bool isEthernet) {
   if (!use) return;
-  if (use->named->isEthernet != isEthernet) {
+  if (!use->named->isForAll && use->named->isEthernet != isEthernet) {
     use->where.fail(quoted(use->named->name) + " is for " + (isEthernet ? "fibre-channel ports" : "ethernet ports"));
   }
   if (serDesTraits(serDesType).isEthernet == isEthernet) judgeSettings(*use->named, side, serDesType, use->where);
@@ -275,6 +300,11 @@ void joinWithCore(PortDraft& draft, SerDesLinkType side, std::vector<CoreDraft>&
     judgeUse(use, side, core.core.type, isEthernet);
   judgeUse(draft.live, side, core.core.type, isEthernet);
   if (side == SERDES_LINK_TX) judgeUse(draft.partner, side, core.core.type, isEthernet);
+}
+
+void checkValues(const LinkValues& values, unsigned links, const std::optional<TomlValue>& where) {
+  if (values.size() <= links) return;
+  where->fail("has values of " + std::to_string(values.size()) + " links, and the port has " + std::to_string(links));
 }
 
 // An echo that comes too late to be worked out at the port's lowest speed is none that a description may have.
@@ -314,6 +344,8 @@ AsicDescription readAsic(const TomlTable& table, const Library& library, unsigne
     PortDraft& draft = ports[i];
     checkCable(ports, i);
     checkEchoes(draft);
+    checkValues(draft.port.txValues, draft.port.txLinks, draft.txValues);
+    checkValues(draft.port.rxValues, draft.port.rxLinks, draft.rxValues);
     checkUserPort(draft, asic, userPorts);
     for (const SerDesLinkType side : {SERDES_LINK_RX, SERDES_LINK_TX})
       joinWithCore(draft, side, cores);

@@ -146,6 +146,24 @@ void readKey(const SettingsKey& key, const TomlValue& value, Settings& settings)
     *fields[i] = static_cast<std::int32_t>(taps[i]);
 }
 
+// In the platform's numbers, in the order of its records.
+template <typename Record, typename... Fields>
+void storeNumbers(const TomlValue& value, Record& record, Fields... fields) {
+  const std::vector<std::int64_t> numbers = value.integers(INT32_MIN, INT32_MAX);
+  if (numbers.size() != sizeof...(fields)) value.fail("must be " + std::to_string(sizeof...(fields)) + " numbers");
+  auto number = numbers.begin();
+  ((record.*fields = static_cast<std::int32_t>(*number++)), ...);
+}
+
+constexpr auto kNumberKeys = std::to_array<Key<Settings>>({
+    {"tx",
+     [](auto& value, auto& settings) {
+       storeNumbers(value, settings.tx, &Tx::power, &Tx::slew, &Tx::mode, &Tx::p0, &Tx::p1, &Tx::p2, &Tx::p3);
+     }},
+    {"rx", [](auto& value,
+              auto& settings) { storeNumbers(value, settings.rx, &Rx::mode, &Rx::p0, &Rx::p1, &Rx::p2, &Rx::p3); }},
+});
+
 // What no SerDes of its kind takes is a mistake in itself.
 void judgeForAll(const SettingsKey& key, const NamedSettings& named, const TomlValue& value) {
   const SerDesTraits* last = nullptr;
@@ -162,6 +180,13 @@ void judgeForAll(const SettingsKey& key, const NamedSettings& named, const TomlV
 
 NamedSettings readSettings(const TomlTable& table, const std::string& name) {
   NamedSettings named{.name = name, .settings = kPlainSettings};
+  if (table.has("tx") || table.has("rx")) {
+    table.read(kNumberKeys, named.settings);
+    (void)table.need("tx", "goes with rx");
+    (void)table.need("rx", "goes with tx");
+    named.isForAll = true;
+    return named;
+  }
   Keys keys = kFibreChannelKeys;
   if (const SettingsKey* ethernet = findOnly(table, kEthernetKeys, kFibreChannelKeys)) {
     named.isEthernet = true;

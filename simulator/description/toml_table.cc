@@ -151,6 +151,16 @@ std::vector<std::int64_t> TomlValue::integers(std::int64_t least, std::int64_t g
   return result;
 }
 
+std::vector<TomlValue> TomlValue::lists() const {
+  constexpr const char* kWhat = "must be a list of lists";
+  std::vector<TomlValue> result;
+  for (const toml::node& element : list(kWhat)) {
+    if (!element.is_array()) fail(kWhat);
+    result.emplace_back(element, path_ + '[' + std::to_string(result.size()) + ']', *fileName_);
+  }
+  return result;
+}
+
 std::vector<unsigned> TomlValue::indexes(unsigned greatest) const {
   const std::string what = "must be a number or ranges such as \"0-7,9\", none above " + std::to_string(greatest);
   if (const auto value = integerOf(*node_, 0, greatest)) return {static_cast<unsigned>(*value)};

@@ -48,6 +48,7 @@ class TomlValue {
   std::uint32_t choiceSet(std::span<const Choice> choices) const;
   std::vector<std::string> texts() const;
   std::vector<std::int64_t> integers(std::int64_t least, std::int64_t greatest) const;
+  std::vector<TomlValue> lists() const;
   // A number, or ranges of numbers such as "0-7,9", in the order in which they are written.
   std::vector<unsigned> indexes(unsigned greatest) const;
   TomlTable table() const;

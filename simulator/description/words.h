@@ -33,20 +33,13 @@ inline constexpr auto kMediaWords = std::to_array<Choice>({{"none", MEDIA_NONE},
                                                            {"10G ethernet", MEDIA_10G_ETHERNET},
                                                            {"1G ethernet", MEDIA_1G_ETHERNET}});
 
-// Settings of a port that names none: those after a reset.
-inline constexpr Settings kPlainSettings = {
-    .tx = {.power = 115, .slew = SLEW_36PS, .mode = FFE_NONE, .p0 = 0, .p1 = 63, .p2 = 0, .p3 = 0},
-    .rx = {.mode = DFE_3, .p0 = 6, .p1 = 4, .p2 = 0x4e, .p3 = 0}};
-inline constexpr Settings kPlainEthernetSettings = {
-    .tx = {.power = 7, .slew = SLEW_UNKNOWN, .mode = FFE_NONE, .p0 = 0, .p1 = 0, .p2 = 0, .p3 = 0},
-    .rx = {.mode = 0, .p0 = 2, .p1 = 0, .p2 = 0, .p3 = 0}};
-
 struct SettingsKey;
 
 struct NamedSettings {
   std::string name;
   Settings settings;
   bool isEthernet = false;
+  bool isForAll = false;                         // in the platform's numbers, which every port's caches keep
   std::vector<const SettingsKey*> written = {};  // what the SerDes of a port must take
 };
 

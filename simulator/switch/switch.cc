@@ -20,6 +20,20 @@ void resetPort(const Port& port) {
   }
 }
 
+// Registers that report are passed over: a dump has them too.
+void storeValues(const RegisterMap& map, const RegisterValues& values, RegisterFile& registers) {
+  for (unsigned address = 0; address < values.size(); ++address) {
+    if (!map.isReadOnly(address)) registers[address] = values[address];
+  }
+}
+
+void storeValues(const Port& port) {
+  for (unsigned link = 0; link < port.description.txValues.size(); ++link)
+    storeValues(port.tx.map, port.description.txValues[link], port.state.tx[link].registers);
+  for (unsigned link = 0; link < port.description.rxValues.size(); ++link)
+    storeValues(port.rx.map, port.description.rxValues[link], port.state.rx[link].registers);
+}
+
 WordPairCounter wordsOf(const ErrorCounter& counter) {
   return {.high = static_cast<std::uint32_t>(counter.count >> 32), .low = static_cast<std::uint32_t>(counter.count)};
 }
@@ -34,8 +48,10 @@ Switch::Switch(SwitchDescription description)
   for (const AsicDescription& asic : description_.asics) {
     AsicState& state = asics_.emplace_back();
     state.ports.resize(asic.ports.size());
-    for (const CoreDescription& core : asic.cores)
-      state.plls.push_back(serDesTraits(core.type).pll.resetValues());
+    for (const CoreDescription& core : asic.cores) {
+      const RegisterMap& map = serDesTraits(core.type).pll;
+      storeValues(map, core.pllValues, state.plls.emplace_back(map.resetValues()));
+    }
   }
   const auto forEachPort = [&](auto action) {
     for (unsigned asic = 0; asic < asics_.size(); ++asic) {
@@ -48,6 +64,7 @@ Switch::Switch(SwitchDescription description)
   forEachPort([](const Port& port) {
     renegotiate(port);
     if (port.description.live) putIntoForce(port, *port.description.live);
+    storeValues(port);
   });
 }
 

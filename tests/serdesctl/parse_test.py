@@ -47,7 +47,8 @@ class Parse(ProgramTest):
                 refused = [found for found in objects if found["kind"] == "refused"]
                 self.assertEqual((status, err.count("\n")), (1 if refused else 0, len(refused)), err)
                 kinds.update(found["kind"] for found in objects)
-        others = {"diff", "health", "journal", "run", "save"}  # what subcommands of their own print
+        # What subcommands of their own print.
+        others = {"diff", "health", "history", "journal", "plan", "rehearsal", "run", "save", "twin"}
         self.assertEqual({path.stem for path in FOLDER.iterdir()} - kinds, others, "kinds that no case shows")
 
     def test_the_page_tells_every_kind(self) -> None:

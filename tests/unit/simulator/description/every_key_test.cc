@@ -39,6 +39,10 @@ amax = 78
 [settings.other]
 power = 60
 
+[settings.numbers]
+tx = [1, 2, 3, 4, 5, 6, 7]
+rx = [1, 2, 3, 4, 5]
+
 [settings.ether]
 power = 6
 pre_emphasis = 2
@@ -77,6 +81,7 @@ rx_params = 6
 tx_params = 8
 first_port = 9
 temperature = 38
+pll_values = [0, 1, 0, 0, 17]
 
 [[asics.cores]]
 cores = 3
@@ -121,6 +126,9 @@ rx_core = 1
 tx_core = 1
 speed = "8G"
 live = "other"
+cache = { 4G = "numbers" }
+tx_values = [[0, 1, 0, 77]]
+rx_values = [[0, 1, 38, 70]]
 
 [[asics.ports]]
 ports = "4-5"
@@ -342,6 +350,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"Ethernet/cdr_mode", "cdr_mode = 1", "cdr_mode = 2", "GetSerDesRxRateParams(0, 4,"},
         Row{"Ethernet/eq_mode", "eq_mode = 3", "eq_mode = 4", "GetSerDesRxRateParams(0, 4,"},
         Row{"Ethernet/raw", "eq_mode = 3", "eq_mode = 99\nraw = true", "GetSerDesRxRateParams(0, 4,"},
+        Row{"Number/tx", "5, 6, 7]", "5, 6, 8]", "GetSerDesTxRateParams(0, 3, 3)"},
+        Row{"Number/rx", "3, 4, 5]", "3, 4, 6]", "GetSerDesRxRateParams(0, 3, 3)"},
         Row{"Channel/a0", "a0 = 0.1", "a0 = 6", kStats0}, Row{"Channel/a1", "a1 = 0.4", "a1 = 2", kStats0},
         Row{"Channel/a2", "a2 = 0.6", "a2 = 2", kStats0}, Row{"Channel/a4", "a4 = 0.004", "a4 = 0.1", kStats0},
         Row{"Channel/fr4_inches", "fr4_inches = 24", "fr4_inches = 30", kStats0},
@@ -365,6 +375,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"Core/tx_params", "tx_params = 8", "tx_params = 9", "GetSerDesInfo(0, 1)"},
         Row{"Core/first_port", "first_port = 9", "first_port = 3", "GetSerDesInfo(0, 1)"},
         Row{"Core/temperature", "temperature = 38", "temperature = 39", "ReadSerDesPLLRegister(0, 1,"},
+        Row{"Core/pll_values", "0, 17]", "0, 18]", "ReadSerDesPLLRegister(0, 1,"},
         Row{"Port/ports", "ports = 0\nkind = \"GL\"", "ports = \"0-2\"\nkind = \"GL\"", "GetSerDesInfo(1, 2,"},
         Row{"Port/kind", "ports = 0\nkind = \"GL\"", "ports = 0\nkind = \"XG\"", "GetPortHwConfig"},
         Row{"Port/port_type", "port_type = 7", "port_type = 8", "GetPortHwConfig"},
@@ -394,6 +405,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"Port/cache", "cache = \"fast\"", "cache = { 4G = \"fast\", 8G = \"other\" }",
             "GetSerDesTxRateParams(0, 0, 4)"},
         Row{"Port/live", "live = \"fast\"", "live = \"other\"", "GetSerDesTxFFE(0, 2,"},
+        Row{"Port/tx_values", "0, 77]", "0, 78]", "ReadSerDesLinkRegister(0, 3, 0, 1, 0x03"},
+        Row{"Port/rx_values", "38, 70]", "38, 71]", "ReadSerDesLinkRegister(0, 3, 0, 0, 0x03"},
         Row{"Partner/settings", "settings = \"fast\"", "settings = \"other\"", kStats2},
         Row{"Partner/speed", "\"fast\", speed = \"AUTO\"", "\"fast\", speed = \"4G\"", "GetPortInfo"},
         Row{"Partner/speeds", "speeds = [\"8G\"]", "speeds = [\"4G\"]", "GetPortInfo"},

@@ -42,11 +42,11 @@ std::string errorOf(const std::string& text) {
 
 const std::string kUnknown = "unknown key; there are ";
 const std::string kCoreKeys =
-    "cores, type, pll_registers, rx_registers, tx_registers, rx_params, tx_params, first_port, temperature";
+    "cores, type, pll_registers, rx_registers, tx_registers, rx_params, tx_params, first_port, temperature, pll_values";
 const std::string kPortKeys =
     "ports, kind, port_type, present, user_port, links, rx_links, tx_links, ports_per_core, core, rx_core, tx_core, "
     "misplaced, media, media_speeds, speeds, channel, far_end, partner, speed, sends, signal_detect_mv, load, cache, "
-    "live";
+    "live, tx_values, rx_values";
 const std::string kTopKeys = "slots, aux_ports, seed, type_names, clock, settings, channels, asics, user_ports, faults";
 
 class DescriptionMistakes : public testing::TestWithParam<Mistake> {};
@@ -77,6 +77,16 @@ INSTANTIATE_TEST_SUITE_P(
                 "some.toml:4: asics[0].cores[0].type: must be a whole number from 0 to 6"},
         Mistake{"TooManyRegisters", kCore + "type = 2\nrx_registers = 33\n",
                 "some.toml:5: asics[0].cores[0].rx_registers: must be a whole number from 0 to 32"},
+        Mistake{"ValuesOfALinkThatIsNot", kOnePort + "tx_values = [[], [1]]\n",
+                "some.toml:8: asics[0].ports[0].tx_values: has values of 2 links, and the port has 1"},
+        Mistake{"ValuesThatAreNoLists", kOnePort + "rx_values = [1]\n",
+                "some.toml:8: asics[0].ports[0].rx_values: must be a list of lists"},
+        Mistake{"ValueOutOfRange", kCore + "type = 2\npll_values = [65536]\n",
+                "some.toml:5: asics[0].cores[0].pll_values: must be a list, each a whole number from 0 to 65535"},
+        Mistake{"NumbersOfOneSide", "[settings.a]\ntx = [1, 2, 3, 4, 5, 6, 7]\n" + kOnePort,
+                "some.toml:1: settings.a.rx: goes with tx"},
+        Mistake{"TooFewNumbers", "[settings.a]\ntx = [1]\nrx = [1, 2, 3, 4, 5]\n" + kOnePort,
+                "some.toml:2: settings.a.tx: must be 7 numbers"},
         Mistake{"CoreOutOfReach", "[[asics]]\n[[asics.cores]]\ncores = 18\n",
                 "some.toml:3: asics[0].cores[0].cores: must be a number or ranges such as \"0-7,9\", none above 17"},
         Mistake{"CoresNotNamed", "[[asics]]\n[[asics.cores]]\ntype = 2\n",

@@ -1,0 +1,447 @@
+// Planning one port. A model of it goes along with the operations, so that each stands on what those before it made.
+#include "serdesctl/plan/port_planning.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <utility>
+
+#include "display/name_tables.h"
+#include "serdesctl/plan/predicting.h"
+
+namespace serdesctl {
+namespace {
+
+constexpr const char* kNoFfe = ffeModeNames[FFE_NONE].name;
+
+std::string words(std::initializer_list<std::string> list) {
+  std::string line;
+  for (const std::string& word : list)
+    line += (line.empty() ? "" : " ") + word;
+  return line;
+}
+
+std::string text(const std::optional<std::int32_t>& number) {
+  return number ? std::to_string(*number) : "-";
+}
+
+std::string text(const FfeValues& r) {
+  return words({r.ffeMode.value_or("-"), text(r.k), text(r.c0), text(r.c1), text(r.c2), text(r.c3)});
+}
+
+std::string text(const LiveTx& r) {
+  return text(static_cast<const FfeValues&>(r)) + " " + (r.slewUnnamed ? kUnnamed : text(r.slewPs));
+}
+
+std::string text(const VgaValues& r) {
+  return words({text(r.pole), text(r.peak), text(r.amax)});
+}
+
+std::string text(const LiveRx& r) {
+  return r.dfeMode.value_or("-") + " " + text(static_cast<const VgaValues&>(r));
+}
+
+std::string rawWords(const std::string& rate, const TxRawValues& r) {
+  return words({"setTxParamsRaw asic", rate, text(r.power), text(r.slew), text(r.mode), text(r.p[0]), text(r.p[1]),
+                text(r.p[2]), text(r.p[3])});
+}
+
+std::string rawWords(const std::string& rate, const RxRawValues& r) {
+  return words({"setRxParamsRaw asic", rate, text(r.mode), text(r.p[0]), text(r.p[1]), text(r.p[2]), text(r.p[3])});
+}
+
+bool same(const TxRawValues& a, const TxRawValues& b) {
+  return a.power == b.power && a.slew == b.slew && a.mode == b.mode && a.p == b.p;
+}
+bool same(const RxRawValues& a, const RxRawValues& b) {
+  return a.mode == b.mode && a.p == b.p;
+}
+bool same(const FfeValues& a, const FfeValues& b) {
+  return text(a) == text(b);
+}
+bool same(const VgaValues& a, const VgaValues& b) {
+  return text(a) == text(b);
+}
+bool sameSlew(const LiveTx& a, const LiveTx& b) {
+  return a.slewPs == b.slewPs && a.slewUnnamed == b.slewUnnamed;
+}
+bool sameMode(const LiveRx& a, const LiveRx& b) {
+  return a.dfeMode == b.dfeMode;
+}
+
+template <typename Value>
+void overlay(std::optional<Value>& to, const std::optional<Value>& from) {
+  if (from) to = from;
+}
+
+LiveTx overlaid(LiveTx now, const LiveTx& wanted) {
+  overlay(now.ffeMode, wanted.ffeMode);
+  overlay(now.k, wanted.k);
+  overlay(now.c0, wanted.c0);
+  overlay(now.c1, wanted.c1);
+  overlay(now.c2, wanted.c2);
+  overlay(now.c3, wanted.c3);
+  if (wanted.slewPs || wanted.slewUnnamed) {
+    now.slewPs = wanted.slewPs;
+    now.slewUnnamed = wanted.slewUnnamed;
+  }
+  return now;
+}
+
+LiveRx overlaid(LiveRx now, const LiveRx& wanted) {
+  overlay(now.dfeMode, wanted.dfeMode);
+  overlay(now.pole, wanted.pole);
+  overlay(now.peak, wanted.peak);
+  overlay(now.amax, wanted.amax);
+  return now;
+}
+
+// What links are and are to be; links that there are not are left out.
+template <typename Link>
+struct Goal {
+  std::vector<Link> now;
+  std::vector<Link> then;
+
+  template <typename Same>
+  bool differs(Same isSame) const {
+    return !std::equal(now.begin(), now.end(), then.begin(), isSame);
+  }
+  template <typename Same>
+  bool alike(Same isSame) const {
+    return std::all_of(then.begin(), then.end(), [&](const Link& link) { return isSame(link, then.front()); });
+  }
+};
+
+template <typename Link>
+Goal<Link> goalOf(const std::vector<Link>& now, const std::vector<Link>& wanted) {
+  Goal<Link> goal{now, now};
+  for (std::size_t i = 0; i < std::min(now.size(), wanted.size()); ++i)
+    goal.then[i] = overlaid(now[i], wanted[i]);
+  return goal;
+}
+
+const auto kSameFfe = [](const LiveTx& a, const LiveTx& b) { return same(static_cast<const FfeValues&>(a), b); };
+const auto kSameVga = [](const LiveRx& a, const LiveRx& b) { return same(static_cast<const VgaValues&>(a), b); };
+const auto kSameTx = [](const LiveTx& a, const LiveTx& b) { return text(a) == text(b); };
+const auto kSameRx = [](const LiveRx& a, const LiveRx& b) { return text(a) == text(b); };
+
+// Only 8 bits of a number reach the hardware.
+bool isByte(const std::optional<std::int32_t>& value) {
+  return value && -128 <= *value && *value <= 127;
+}
+
+bool isKnown(const FfeValues& r) {
+  return r.ffeMode && r.k && r.c0 && r.c1 && r.c2 && r.c3;
+}
+bool isKnown(const VgaValues& r) {
+  return r.pole && r.peak && r.amax;
+}
+bool knownSlew(const LiveTx& r) {
+  return r.slewPs || r.slewUnnamed;
+}
+bool knownMode(const LiveRx& r) {
+  return r.dfeMode.has_value();
+}
+
+constexpr const char* kUnknown = "the tool does not show what it is now";
+constexpr const char* kEightBits = "the tool passes 8 bits of a number on";
+
+template <std::size_t kCount>
+bool isNamed(const std::array<ValueName, kCount>& names, const std::optional<std::string>& name) {
+  return std::any_of(names.begin(), names.end(), [&](const ValueName& n) { return name == n.name; });
+}
+
+// Why the tool's command would not carry it; empty when it does.
+std::string unfit(const FfeValues& r) {
+  if (r.ffeMode == kUnnamed) return "the tool has no name for the mode";
+  if (!isNamed(ffeModeNames, r.ffeMode)) return "there is no mode " + r.ffeMode.value_or("-");
+  const bool bytes = isByte(r.c0) && isByte(r.c1) && isByte(r.c2) && isByte(r.c3);
+  return r.k < 0 || r.k > 255 || !bytes ? kEightBits : "";
+}
+
+std::string unfit(const VgaValues& r) {
+  return isByte(r.pole) && isByte(r.peak) && isByte(r.amax) ? "" : kEightBits;
+}
+
+std::string unfitSlew(const LiveTx& r) {
+  if (r.slewUnnamed) return "the tool has no name for the slew";
+  const auto& names = slewRateNames;
+  const bool known =
+      std::any_of(names.begin(), names.end(), [&](const auto& n) { return text(r.slewPs) == n.shortName; });
+  return known ? "" : "there is no slew of " + text(r.slewPs) + " ps";
+}
+
+std::string unfitMode(const LiveRx& r) {
+  if (r.dfeMode == kUnnamed) return "the tool has no name for the mode";
+  return isNamed(dfeModeNames, r.dfeMode) ? "" : "there is no mode " + r.dfeMode.value_or("-");
+}
+
+SettingPlace placeOf(const AsicState& asic, std::uint32_t port) {
+  SettingPlace place = {.asic = asic.asic, .port = port};
+  if (port < asic.config.ports.size()) place.userPort = asic.config.ports[port].userPort;
+  return place;
+}
+
+constexpr const char* kLinksDiffer = "the tool sets all links of a port alike";
+constexpr const char* kEthernetLive = "live settings of ethernet ports follow from their caches alone";
+
+class PortPlanner {
+ public:
+  PortPlanner(const AsicState& asic, const PortState& current, const PortState& wanted, const PlanChoice& choice)
+      : place_(placeOf(asic, current.port)),
+        ethernet_(ethernetSides(asic, current.port)),
+        wanted_(wanted),
+        throughCache_(choice.throughCache),
+        model_(current) {}
+
+  PortPlan plan() && {
+    planCaches();
+    planLiveTx();
+    planLiveRx();
+    planCachesBack();
+    planStream();
+    return std::move(result_);
+  }
+
+ private:
+  void add(Phase phase, std::string command, Effect effect, std::function<void(PortState&)> change) {
+    change(model_);
+    result_.operations.push_back({phase, std::move(command), model_.port, effect, std::move(change)});
+  }
+
+  void refuse(const std::string& what, const std::string& wanted, const std::string& reason,
+              const std::string& nearest) {
+    result_.impossible.push_back({place_, what, wanted, reason, nearest});
+  }
+
+  // The speed to be set; nothing when it is as wanted.
+  std::optional<std::string> speedToSet() {
+    if (!wanted_.configRate || wanted_.configRate == model_.configRate) return std::nullopt;
+    if (!model_.configRate) {
+      refuse("config_rate", *wanted_.configRate, "the tool does not show the speed of a port without transmit links",
+             "the speed stays as it is");
+      return std::nullopt;
+    }
+    if (*wanted_.configRate != rateNames[SPEED_AUTO].name && !isRate(*wanted_.configRate)) {
+      refuse("config_rate", *wanted_.configRate, "there is no such speed", "it stays " + *model_.configRate);
+      return std::nullopt;
+    }
+    return wanted_.configRate;
+  }
+
+  std::function<void(PortState&)> settingSpeed(const std::string& rate) const {
+    return [rate, wanted = wanted_, ethernet = ethernet_](PortState& port) {
+      const std::string force = rateInForce(port, rate, wanted);
+      port.configRate = rate;
+      if (isRate(rate) || (port.observed.runningRate && !force.empty())) port.observed.runningRate = force;
+      putIntoForce(port, force, ethernet);
+    };
+  }
+
+  // The caches as they are to be in the end, on top of what there are.
+  template <typename Caches>
+  Caches cachesThen(const Caches& now, const Caches& wanted, const char* side) {
+    Caches then = now;
+    for (const auto& [rate, values] : wanted) {
+      const auto found = then.find(rate);
+      if (found != then.end()) {
+        found->second = values;
+      } else {
+        refuse(rate + " " + side + " cache", rawWords(rate, values),
+               "the tool does not show the port's cache of that rate", "it stays as it is");
+      }
+    }
+    return then;
+  }
+
+  template <typename Caches>
+  void setCaches(Phase phase, Caches PortState::*caches, const Caches& then) {
+    for (const auto& [rate, values] : then) {
+      if (same((model_.*caches).at(rate), values)) continue;
+      add(phase, rawWords(rate, values), Effect::kNothing,
+          [caches, rate = rate, values = values](PortState& port) { (port.*caches)[rate] = values; });
+    }
+  }
+
+  // Caches, and the speed. Where live settings go through a cache, that of the running rate holds them meanwhile, and
+  // the speed is set anew.
+  void planCaches() {
+    txThen_ = cachesThen(model_.txCaches, wanted_.txCaches, "tx");
+    rxThen_ = cachesThen(model_.rxCaches, wanted_.rxCaches, "rx");
+    const auto speed = speedToSet();
+    auto txMeanwhile = txThen_;
+    auto rxMeanwhile = rxThen_;
+    const bool detour = throughCache_ && model_.configRate && findDetour(speed, txMeanwhile, rxMeanwhile);
+    setCaches(Phase::kCaches, &PortState::txCaches, txMeanwhile);
+    setCaches(Phase::kCaches, &PortState::rxCaches, rxMeanwhile);
+    if (!speed && !detour) return;
+    const std::string rate = speed.value_or(model_.configRate.value_or(""));
+    add(Phase::kSpeed, "setRate " + rate, Effect::kRetrain, settingSpeed(rate));
+  }
+
+  // Puts live settings that have no other way into the caches of the rate that will be in force. A speed that is set
+  // anew for them leaves the other live settings as they are.
+  bool findDetour(const std::optional<std::string>& speed, std::map<std::string, TxRawValues>& tx,
+                  std::map<std::string, RxRawValues>& rx) {
+    PortState predicted = model_;
+    predicted.txCaches = tx;
+    predicted.rxCaches = rx;
+    if (speed) settingSpeed (*speed)(predicted);
+    const std::string rate = rateInForce(predicted, *predicted.configRate, wanted_);
+    const bool possible = takeTx(predicted, rate, tx) | takeRx(predicted, rate, rx);
+    if (speed || !possible) return possible;
+    wanted_.tx = goalOf(model_.tx, wanted_.tx).then;
+    wanted_.rx = goalOf(model_.rx, wanted_.rx).then;
+    settingSpeed (*model_.configRate)(predicted);
+    (void)takeTx(predicted, rate, tx);
+    (void)takeRx(predicted, rate, rx);
+    return true;
+  }
+
+  bool takeTx(const PortState& predicted, const std::string& rate, std::map<std::string, TxRawValues>& caches) const {
+    const auto goal = goalOf(predicted.tx, wanted_.tx);
+    if (goal.now.empty() || !caches.contains(rate) || !goal.alike(kSameTx)) return false;
+    const bool nameless = goal.differs(kSameFfe) && goal.then.front().ffeMode == kNoFfe;
+    if (!nameless && !(ethernet_.tx && goal.differs(kSameTx))) return false;
+    const auto cache = cacheFor(goal.then.front(), caches.at(rate), ethernet_.tx);
+    if (cache) caches.at(rate) = *cache;
+    return cache.has_value();
+  }
+
+  bool takeRx(const PortState& predicted, const std::string& rate, std::map<std::string, RxRawValues>& caches) const {
+    const auto goal = goalOf(predicted.rx, wanted_.rx);
+    if (goal.now.empty() || !caches.contains(rate) || !goal.alike(kSameRx)) return false;
+    if (!ethernet_.rx || !goal.differs(kSameRx)) return false;
+    const auto cache = cacheFor(goal.then.front(), caches.at(rate), ethernet_.rx);
+    if (cache) caches.at(rate) = *cache;
+    return cache.has_value();
+  }
+
+  void planCachesBack() {
+    setCaches(Phase::kCachesBack, &PortState::txCaches, txThen_);
+    setCaches(Phase::kCachesBack, &PortState::rxCaches, rxThen_);
+  }
+
+  std::string orThroughCache(const std::string& nearest) const {
+    if (throughCache_) return nearest + "; no cache of a running rate gives it";
+    return nearest + "; --through-cache sets it by the cache of the running rate";
+  }
+
+  // Says so where links are wanted that there are not.
+  template <typename Link>
+  void refuseMissingLinks(const std::vector<Link>& now, const std::vector<Link>& wanted, const std::string& side) {
+    for (std::size_t i = now.size(); i < wanted.size(); ++i)
+      refuse(side + " link " + std::to_string(i), text(wanted[i]), "the port has no such link", "nothing");
+  }
+
+  void planLiveTx() {
+    refuseMissingLinks(model_.tx, wanted_.tx, "tx");
+    const auto goal = goalOf(model_.tx, wanted_.tx);
+    if (!goal.differs(kSameTx)) return;
+    const LiveTx then = goal.then.front();
+    if (ethernet_.tx) return refuse("transmit", text(then), kEthernetLive, orThroughCache("they stay as they are"));
+    const bool ffe = goal.differs(kSameFfe) && canSetFfe(goal);
+    const bool slew = goal.differs(sameSlew) && canSetSlew(goal);
+    if (!ffe && !slew) return;
+    const std::string command = ffe && slew ? "setTxParams" : ffe ? "setFFE" : "setSlew";
+    add(Phase::kLive,
+        command + (ffe ? " " + text(static_cast<const FfeValues&>(then)) : "") + (slew ? " " + text(then.slewPs) : ""),
+        Effect::kAdapt, [=](PortState& port) {
+          for (LiveTx& link : port.tx) {
+            if (ffe) static_cast<FfeValues&>(link) = then;
+            if (!slew) continue;
+            link.slewPs = then.slewPs;
+            link.slewUnnamed = false;
+          }
+        });
+  }
+
+  bool canSetFfe(const Goal<LiveTx>& goal) {
+    const FfeValues& then = goal.then.front();
+    const auto known = [](const LiveTx& link) { return isKnown(static_cast<const FfeValues&>(link)); };
+    if (!canSet("ffe", goal, kSameFfe, known, text(then), unfit(then))) return false;
+    if (then.ffeMode != kNoFfe) return true;
+    refuse("ffe", text(then), "the tool has no keyword for FFENone", orThroughCache("FFE2 with c2 = 0 sends the same"));
+    return false;
+  }
+
+  bool canSetSlew(const Goal<LiveTx>& goal) {
+    const LiveTx& then = goal.then.front();
+    return canSet("slew", goal, sameSlew, knownSlew, then.slewUnnamed ? kUnnamed : text(then.slewPs), unfitSlew(then));
+  }
+
+  // Whether one command can set what is wanted; says so where it cannot.
+  template <typename Link, typename Same, typename Known>
+  bool canSet(const char* what, const Goal<Link>& goal, Same isSame, Known isKnownLink, const std::string& wanted,
+              const std::string& reason) {
+    if (!goal.alike(isSame)) {
+      refuse(what, "links that differ", kLinksDiffer, "all as link 0: " + wanted);
+    } else if (!std::all_of(goal.now.begin(), goal.now.end(), isKnownLink)) {
+      refuse(what, wanted, kUnknown, "it stays as it is");
+    } else if (!reason.empty()) {
+      refuse(what, wanted, reason, "it stays as it is");
+    } else {
+      return true;
+    }
+    return false;
+  }
+
+  void planLiveRx() {
+    refuseMissingLinks(model_.rx, wanted_.rx, "rx");
+    const auto goal = goalOf(model_.rx, wanted_.rx);
+    if (!goal.differs(kSameRx)) return;
+    const LiveRx then = goal.then.front();
+    if (ethernet_.rx) return refuse("receive", text(then), kEthernetLive, orThroughCache("they stay as they are"));
+    const bool dfe = goal.differs(sameMode) && canSetDfe(goal);
+    const bool vga = goal.differs(kSameVga) && canSetVga(goal);
+    if (!dfe && !vga) return;
+    const std::string command = dfe && vga ? "setRxParams" : dfe ? "setDFE" : "setVGA";
+    add(Phase::kLive,
+        command + (dfe ? " " + *then.dfeMode : "") + (vga ? " " + text(static_cast<const VgaValues&>(then)) : ""),
+        Effect::kAdapt, [=](PortState& port) {
+          for (LiveRx& link : port.rx) {
+            if (dfe) link.dfeMode = then.dfeMode;
+            if (vga) static_cast<VgaValues&>(link) = then;
+          }
+        });
+  }
+
+  bool canSetDfe(const Goal<LiveRx>& goal) {
+    const LiveRx& then = goal.then.front();
+    return canSet("dfe", goal, sameMode, knownMode, then.dfeMode.value_or("-"), unfitMode(then));
+  }
+
+  bool canSetVga(const Goal<LiveRx>& goal) {
+    const VgaValues& then = goal.then.front();
+    const auto known = [](const LiveRx& link) { return isKnown(static_cast<const VgaValues&>(link)); };
+    return canSet("vga", goal, kSameVga, known, text(then), unfit(then));
+  }
+
+  void planStream() {
+    if (!wanted_.streamEnabled || wanted_.streamEnabled == model_.streamEnabled) return;
+    const bool on = *wanted_.streamEnabled;
+    if (!model_.streamEnabled) {
+      return refuse("stream_enabled", on ? "on" : "off",
+                    "the tool does not show the stream of a port without transmit links", "it stays as it is");
+    }
+    add(Phase::kStreams, on ? "setTxEnable 1" : "setTxEnable 0", on ? Effect::kRetrain : Effect::kDown,
+        [on](PortState& port) { port.streamEnabled = on; });
+  }
+
+  SettingPlace place_;
+  EthernetSides ethernet_;
+  PortState wanted_;
+  bool throughCache_;
+  PortState model_;
+  PortPlan result_;
+  std::map<std::string, TxRawValues> txThen_;
+  std::map<std::string, RxRawValues> rxThen_;
+};
+
+}  // namespace
+
+PortPlan planPort(const AsicState& asic, const PortState& current, const PortState& wanted, const PlanChoice& choice) {
+  return PortPlanner(asic, current, wanted, choice).plan();
+}
+
+}  // namespace serdesctl

@@ -1,0 +1,162 @@
+// Caches into live settings, and back.
+#include "serdesctl/plan/predicting.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+
+#include "display/name_tables.h"
+
+namespace serdesctl {
+namespace {
+
+constexpr std::array<std::uint32_t, 2> kEthernetTypes = {4, 6};
+
+// Ethernet links show a step of power as 17 of k, and pre-emphasis as what goes from the main cursor to the next.
+constexpr std::int32_t kStepOfK = 17;
+constexpr std::int32_t kEthernetMain = 63;
+constexpr std::int32_t kStepOfPreEmphasis = 2;
+constexpr std::int32_t kMostEthernet = 15;  // power, pre-emphasis
+constexpr std::int32_t kMostEqMode = 7;
+
+bool fits(std::int32_t value, std::int32_t least, std::int32_t greatest) {
+  return least <= value && value <= greatest;
+}
+
+bool isByte(std::int32_t value) {
+  return fits(value, -128, 127);
+}
+
+std::optional<std::string> nameOf(std::span<const ValueName> names, std::int32_t value) {
+  const auto index = static_cast<std::uint32_t>(value);
+  return index < names.size() ? std::optional<std::string>(names[index].name) : std::nullopt;
+}
+
+std::optional<std::int32_t> valueOf(std::span<const ValueName> names, const std::optional<std::string>& name) {
+  for (std::size_t i = 0; name && i < names.size(); ++i) {
+    if (*name == names[i].name) return static_cast<std::int32_t>(i);
+  }
+  return std::nullopt;
+}
+
+std::optional<std::int32_t> slewNumber(std::int32_t ps) {
+  for (std::size_t i = 0; i < slewRateNames.size(); ++i) {
+    if (std::to_string(ps) == slewRateNames[i].shortName) return static_cast<std::int32_t>(i);
+  }
+  return std::nullopt;
+}
+
+void applyEthernet(const TxRawValues& cache, LiveTx& live) {
+  if (!fits(cache.power, 0, kMostEthernet) || !fits(cache.p[0], 0, kMostEthernet)) return;
+  const std::int32_t shifted = kStepOfPreEmphasis * cache.p[0];
+  live.ffeMode = ffeModeNames[shifted == 0 ? FFE_NONE : FFE_2].name;
+  live.k = kStepOfK * cache.power;
+  live.c0 = 0;
+  live.c1 = kEthernetMain - shifted;
+  live.c2 = -shifted;
+  live.c3 = 0;
+}
+
+void apply(const TxRawValues& cache, LiveTx& live) {
+  const auto mode = nameOf(ffeModeNames, cache.mode);
+  if (mode && fits(cache.power, 0, 255) && std::all_of(cache.p.begin(), cache.p.end(), isByte)) {
+    static_cast<FfeValues&>(live) = {mode, cache.power, cache.p[0], cache.p[1], cache.p[2], cache.p[3]};
+  }
+  if (!fits(cache.slew, 0, static_cast<std::int32_t>(slewRateNames.size()) - 1)) return;
+  live.slewPs = std::stoi(slewRateNames[static_cast<std::size_t>(cache.slew)].shortName);
+  live.slewUnnamed = false;
+}
+
+void applyEthernet(const RxRawValues& cache, LiveRx& live) {
+  if (fits(cache.p[0], 0, kMostEqMode)) live.peak = cache.p[0];
+}
+
+void apply(const RxRawValues& cache, LiveRx& live) {
+  if (const auto mode = nameOf(dfeModeNames, cache.mode)) live.dfeMode = mode;
+  if (!std::all_of(cache.p.begin(), cache.p.end() - 1, isByte)) return;
+  live.pole = cache.p[0];
+  live.peak = cache.p[1];
+  live.amax = cache.p[2];
+}
+
+template <typename Cache, typename Link>
+void applyToAll(const Cache& cache, std::vector<Link>& links, bool ethernet) {
+  for (Link& link : links)
+    ethernet ? applyEthernet(cache, link) : apply(cache, link);
+}
+
+bool complete(const FfeValues& r) {
+  return r.ffeMode && r.k && r.c0 && r.c1 && r.c2 && r.c3;
+}
+
+// Whether putting the cache into force gives just this.
+bool gives(const TxRawValues& cache, const LiveTx& live, bool ethernet) {
+  LiveTx result = live;
+  result.ffeMode.reset();
+  ethernet ? applyEthernet(cache, result) : apply(cache, result);
+  return result.ffeMode == live.ffeMode && result.k == live.k && result.c0 == live.c0 && result.c1 == live.c1 &&
+         result.c2 == live.c2 && result.c3 == live.c3;
+}
+
+}  // namespace
+
+EthernetSides ethernetSides(const AsicState& asic, std::uint32_t port) {
+  const auto isEthernet = [&](std::uint32_t core) {
+    for (const FoundCore& found : asic.cores) {
+      if (found.core == core) return std::count(kEthernetTypes.begin(), kEthernetTypes.end(), found.serDesType) != 0;
+    }
+    return (asic.config.exgPorts >> port & 1) != 0;
+  };
+  for (const ConfigPort& config : asic.config.ports) {
+    if (config.port == port) return {.tx = isEthernet(config.tx.core), .rx = isEthernet(config.rx.core)};
+  }
+  return {};
+}
+
+bool isRate(const std::string& name) {
+  return std::any_of(rateNames.begin() + 1, rateNames.end(), [&](const ValueName& rate) { return name == rate.name; });
+}
+
+std::string rateInForce(const PortState& port, const std::string& configRate, const PortState& wanted) {
+  if (isRate(configRate)) return configRate;
+  for (const auto& seen : {wanted.observed.runningRate, port.observed.runningRate}) {
+    if (seen && isRate(*seen)) return *seen;
+  }
+  return "";
+}
+
+void putIntoForce(PortState& port, const std::string& rate, EthernetSides ethernet) {
+  if (const auto cache = port.txCaches.find(rate); cache != port.txCaches.end()) {
+    applyToAll(cache->second, port.tx, ethernet.tx);
+  }
+  if (const auto cache = port.rxCaches.find(rate); cache != port.rxCaches.end()) {
+    applyToAll(cache->second, port.rx, ethernet.rx);
+  }
+}
+
+std::optional<TxRawValues> cacheFor(const LiveTx& live, const TxRawValues& otherwise, bool ethernet) {
+  if (!complete(live)) return std::nullopt;
+  TxRawValues cache = otherwise;
+  if (ethernet) {
+    cache.power = *live.k / kStepOfK;
+    cache.p[0] = -*live.c2 / kStepOfPreEmphasis;
+  } else {
+    const auto mode = valueOf(ffeModeNames, live.ffeMode);
+    if (!mode) return std::nullopt;
+    cache.power = *live.k;
+    cache.mode = *mode;
+    cache.p = {*live.c0, *live.c1, *live.c2, *live.c3};
+    if (const auto slew = live.slewPs ? slewNumber(*live.slewPs) : std::nullopt) cache.slew = *slew;
+    if (live.slewUnnamed) cache.slew = SLEW_UNKNOWN;  // which no SerDes takes, so that it stays
+  }
+  return gives(cache, live, ethernet) ? std::optional(cache) : std::nullopt;
+}
+
+std::optional<RxRawValues> cacheFor(const LiveRx& live, const RxRawValues& otherwise, bool ethernet) {
+  if (!ethernet || !live.peak || !fits(*live.peak, 0, kMostEqMode)) return std::nullopt;
+  RxRawValues cache = otherwise;
+  cache.p[0] = *live.peak;
+  return cache;
+}
+
+}  // namespace serdesctl

@@ -1,0 +1,34 @@
+// What a switch makes of what is set, as far as that can be known beforehand. Where the hardware decides otherwise,
+// reading back shows it.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "serdesctl/state/switch_state.h"
+
+namespace serdesctl {
+
+// Which sides of a port are ethernet ones: their live settings cannot be set, and follow from caches alone.
+struct EthernetSides {
+  bool tx = false;
+  bool rx = false;
+};
+EthernetSides ethernetSides(const AsicState& asic, std::uint32_t port);
+
+// Whether the tool can set it for a port: a rate with caches, not AUTO and not what it prints for others.
+bool isRate(const std::string& name);
+
+// The rate whose caches setting this speed puts into force; empty when it is not known. AUTO stays at the rate that the
+// port runs at, or that the wanted state was seen to run at.
+std::string rateInForce(const PortState& port, const std::string& configRate, const PortState& wanted);
+
+// A rate's caches become the live settings of all links. Numbers that no SerDes takes leave them as they are.
+void putIntoForce(PortState& port, const std::string& rate, EthernetSides ethernet);
+
+// The cache that gives these live settings when it is put into force, the rest as it is; nothing where none does.
+std::optional<TxRawValues> cacheFor(const LiveTx& live, const TxRawValues& otherwise, bool ethernet);
+std::optional<RxRawValues> cacheFor(const LiveRx& live, const RxRawValues& otherwise, bool ethernet);
+
+}  // namespace serdesctl

@@ -1,0 +1,120 @@
+// serdesctl history, pending and confirm: the runs of the store.
+#include <unistd.h>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "serdesctl/base/errors.h"
+#include "serdesctl/base/output.h"
+#include "serdesctl/formats/json_object.h"
+#include "serdesctl/journal/journal_file.h"
+#include "serdesctl/subcommands/changing.h"
+
+namespace serdesctl {
+namespace {
+
+// Of all targets, or of the one that is named.
+std::vector<FoundRun> chosenRuns(const Options& options) {
+  std::vector<FoundRun> runs;
+  for (const std::string& folder : journalFolders()) {
+    std::vector<FoundRun> found = findRuns(folder, say);
+    std::move(found.begin(), found.end(), std::back_inserter(runs));
+  }
+  const std::string& target = options.common.target.target;
+  std::erase_if(runs, [&](const FoundRun& run) { return !target.empty() && run.record.target != target; });
+  std::stable_sort(runs.begin(), runs.end(),
+                   [](const auto& a, const auto& b) { return a.record.time < b.record.time; });
+  return runs;
+}
+
+std::string ending(const FoundRun& run) {
+  const RunRecord& r = run.record;
+  std::string text = runStateName(r.state);
+  if (!r.reason.empty()) text += ": " + r.reason;
+  if (r.state == RunState::kWaiting) text += " until " + r.confirmBy;
+  if (!r.undoneBy.empty()) text += ", undone by " + r.undoneBy;
+  return text;
+}
+
+std::string textLine(const FoundRun& run) {
+  const RunRecord& r = run.record;
+  return r.run + "  " + r.time + "  " + r.user + "@" + r.host + (r.from.empty() ? "" : " from " + r.from) + "  " +
+         r.target + "  " + r.what + "  " + std::to_string(r.sent) + "/" + std::to_string(r.steps) + "  " + ending(run) +
+         (run.canBeUndone() ? "  (can be undone)" : "") + "\n";
+}
+
+std::string jsonOf(const FoundRun& run) {
+  const RunRecord& r = run.record;
+  return jsonLine({{"schema", 1},
+                   {"kind", "history"},
+                   {"run", r.run},
+                   {"time", r.time},
+                   {"user", r.user},
+                   {"from", r.from},
+                   {"host", r.host},
+                   {"target", r.target},
+                   {"what", r.what},
+                   {"state", runStateName(r.state)},
+                   {"reason", r.reason},
+                   {"steps", r.steps},
+                   {"sent", r.sent},
+                   {"confirm_by", r.confirmBy.empty() ? Json() : Json(r.confirmBy)},
+                   {"undoes", r.undoes.empty() ? Json() : Json(r.undoes)},
+                   {"undone_by", r.undoneBy.empty() ? Json() : Json(r.undoneBy)},
+                   {"can_be_undone", run.canBeUndone()},
+                   {"folder", run.folder}});
+}
+
+int show(const std::vector<FoundRun>& runs, bool asJson) {
+  Output output(STDOUT_FILENO);
+  for (const FoundRun& run : runs)
+    output.write(asJson ? jsonOf(run) : textLine(run));
+  output.flush();
+  return kDone;
+}
+
+}  // namespace
+
+int performHistory(const Options& options) {
+  return show(chosenRuns(options), options.history.json);
+}
+
+// What waits for a confirmation, and what has lost the process that waited.
+int performPending(const Options& options) {
+  std::vector<FoundRun> runs = chosenRuns(options);
+  std::erase_if(runs, [](const FoundRun& run) { return run.record.state != RunState::kWaiting && !run.isLeft(); });
+  return show(runs, options.history.json);
+}
+
+int performConfirm(const Options& options) {
+  for (FoundRun& run : chosenRuns(options)) {
+    if (run.record.run != options.change.run) continue;
+    if (run.record.state == RunState::kWaiting) {
+      run.confirm();
+    } else if (run.isLeft()) {
+      run.record.state = RunState::kKept;
+      run.rewrite();
+      say("nobody waits for it any more: what run " + run.record.run + " has changed stays as it is");
+    } else {
+      throw UsageError("run " + run.record.run + " does not wait for a confirmation: " + ending(run));
+    }
+    return kDone;
+  }
+  throw UsageError("no run " + options.change.run);
+}
+
+void warnOfRunsLeft(const Target& target) {
+  for (const std::string& folder : journalFolders()) {
+    for (const FoundRun& run : findRuns(folder, target, say)) {
+      if (!run.isLeft()) continue;
+      const RunRecord& r = run.record;
+      say("run " + r.run + " (" + r.what + ", by " + r.user + ") was interrupted after " + std::to_string(r.sent) +
+          " of " + std::to_string(r.steps) + " commands and counts as not confirmed: serdesctl undo " + r.run +
+          " leads back");
+    }
+  }
+}
+
+}  // namespace serdesctl

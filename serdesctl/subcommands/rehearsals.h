@@ -1,0 +1,18 @@
+// What rehearse and apply share.
+#pragma once
+
+#include <string>
+
+#include "serdesctl/plan/plan.h"
+#include "serdesctl/subcommands/changing.h"
+#include "serdesctl/twin/rehearsing.h"
+
+namespace serdesctl {
+
+// The commands of a plan, and what it cannot do.
+Rehearsed rehearsedPlan(const Plan& plan, const std::string& file);
+
+// Tries the plan on a twin of the switch as it is now; says so when a port gets worse.
+bool rehearsedWell(OpenedSwitch& opened, const CommonOptions& options, const Plan& plan, const std::string& file);
+
+}  // namespace serdesctl

@@ -1,0 +1,28 @@
+// A description for the simulated switch, written for people to read and to go on with.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "serdesctl/twin/port_fits.h"
+#include "serdesctl/twin/switch_model.h"
+
+namespace serdesctl {
+
+struct Description {
+  std::string text;
+  std::vector<std::string> notes;  // what of the save it cannot say
+};
+
+// `origin` says whose twin it is.
+Description descriptionOf(const SwitchState& state, const SwitchModel& model,
+                          const std::vector<std::vector<PortFit>>& fits, const std::string& origin);
+
+// A text in quotes as TOML has it. What is no UTF-8 becomes question marks.
+std::string tomlText(const std::string& text);
+
+// "board of 20.31 in (19.20 to 21.50)", of a port that is fitted.
+std::string lengthText(const PortFit& fit);
+const char* farEndName(FarEnd farEnd);
+
+}  // namespace serdesctl

@@ -1,0 +1,334 @@
+#!/usr/bin/env python3
+"""Apply and restore: what they reach, and that nothing is left half done."""
+
+from __future__ import annotations
+
+import json
+import os
+import random
+import re
+import signal
+import subprocess
+import sys
+import unittest
+
+from changing import SMALL, ChangingTest, random_lines, topology
+from program import SERDESCTL, Result
+from serdes_runs import LIMIT_SECONDS, Terminal, shipped_switch
+
+# Every how manieth platform call fails, and how many kills; 1 and 200 for all of it.
+STRIDE = int(os.environ.get("CHANGING_STRIDE", "200"))
+ROUNDS = int(os.environ.get("CHANGING_ROUNDS", "1"))
+
+SETTINGS = """
+[[settings]]
+ports = "0-1"
+transmit = { mode = "FFE3", k = 100, c0 = -2, c1 = 58, c2 = -20, c3 = 0, slew = 50 }
+receive = { mode = "DFE3", pole = 5, peak = 2, amax = 70 }
+[[settings]]
+ports = "0"
+transmit = { c2 = -12 }
+to = "8G"
+[[settings]]
+ports = "2"
+speed = "4G"
+[[settings]]
+ports = "4"
+transmit = { k = 90 }
+[[settings]]
+ports = "5"
+stream = false
+[[settings]]
+asic = 1
+ports = "0"
+receive = { amax = 60 }
+"""
+
+
+class Applying(ChangingTest):
+    def setUp(self) -> None:
+        super().setUp()
+        self.on_description(SMALL)
+        self.file = self.script(SETTINGS, "lab.toml")
+
+    def test_it_verifies_and_the_second_time_does_nothing(self) -> None:
+        first, calls = self.traced("apply", "--yes", self.file)
+        self.assertEqual(first.status, 0, first.err)
+        self.assertRegex(first.out, r"verified: run \S+\n\Z")
+        self.assertTrue(calls)
+        second, calls = self.traced("apply", "--yes", self.file)
+        self.assertEqual((second, calls), ((0, "nothing to do\n", ""), []))
+
+    def test_without_a_terminal_somebody_must_have_said_yes(self) -> None:
+        result, calls = self.traced("apply", self.file)
+        self.assertEqual((result.status, calls), (2, []))
+        self.assertIn("--yes", result.err)
+        self.assertEqual(self.history(), [])
+
+    def test_it_asks_at_a_terminal(self) -> None:
+        save = self.save()
+        for answer, status in (("n\n", 2), ("\n", 2), ("y\n", 0)):
+            with Terminal(*self.words, "apply", self.file, program=[SERDESCTL], env=self.env) as terminal:
+                terminal.read_to(b"? [y/N] ")
+                terminal.type(answer)
+                self.assertEqual(terminal.exit_status(), status)
+            self.assertEqual(self.differences(save) == "", status != 0)
+
+    def test_the_journal_has_the_values_before_and_after(self) -> None:
+        self.must("apply", "--yes", self.file)
+        entries = [json.loads(line) for line in self.must("journal", "--json").out.splitlines()]
+        rate = next(entry for entry in entries if entry["command"] == "setRate 4G 2")
+        self.assertEqual((rate["result"], rate["run"]), ("answered", self.last_run()))
+        self.assertEqual([rate["changes"][0][name] for name in ("before", "after")], ["8G", "4G"])
+
+    def test_restoring_some_ports(self) -> None:
+        save = self.save()
+        self.must("apply", "--yes", self.file)
+        self.must("restore", "--yes", "--ports", "0,4", save)
+        text = self.differences(save)
+        self.assertNotIn("ASIC 0 port 0 ", text)
+        self.assertNotIn("ASIC 0 port 4 ", text)
+        self.assertIn("ASIC 0 port 1 ", text)
+        self.must("restore", "--yes", "--asic", "1", save)
+        self.assertNotIn("ASIC 1", self.differences(save))
+        self.must("restore", "--yes", save)
+        self.assertEqual(self.differences(save), "")
+
+    def test_no_room_for_the_journal(self) -> None:
+        save = self.save()
+        self.env["SERDESCTL_JOURNAL"] = "/dev/null/journal"
+        result, calls = self.traced("apply", "--yes", self.file)
+        self.assertEqual((result.status, calls), (2, []), result.err)
+        del self.env["SERDESCTL_JOURNAL"]
+        self.assertEqual(self.differences(save), "")
+
+
+class RoundTrips(ChangingTest):
+    def check(self, switch: str, seed: int) -> None:
+        self.state = self.folder / f"{switch}{seed}.state"
+        self.on(f"sim:{shipped_switch(switch)}")
+        self.do("save", "-o", self.folder / "before.json")
+        save = str(self.folder / "before.json")
+        rng = random.Random(seed)
+        self.tool(*random_lines(rng, topology(save), 30))
+        plan = json.loads(self.do("plan", "--through-cache", "--json", save).out)
+        result = self.do("restore", "--yes", "--through-cache", "--partial", save)
+        self.assertEqual(result.status, 0, (switch, seed, result))
+        impossible = {(one["asic"], one["port"]) for one in plan["impossible"]}
+        left = json.loads(self.do("diff", "--json", save).out or '{"records":[]}')["records"]
+        for record in left:
+            self.assertIn((record["asic"], record["port"]), impossible, (switch, seed, record))
+        result, calls = self.traced("restore", "--yes", "--through-cache", "--partial", save)
+        self.assertEqual((result.status, calls), (0, []), (switch, seed, result))
+
+    def test_every_shipped_switch_comes_back(self) -> None:
+        for switch in ("default", "bench", "all-gl", "awkward"):
+            for seed in range(ROUNDS):
+                self.check(switch, seed)
+
+
+class Failing(ChangingTest):
+    """Platform calls that fail, once and for ever."""
+
+    def setUp(self) -> None:
+        super().setUp()
+        self.file = self.script(SETTINGS, "lab.toml")
+        self.on_description(SMALL)
+        self.before = self.save("before.json")
+        trace = self.folder / "trace"
+        self.env["SERDES_SIMULATOR_TRACE"] = str(trace)
+        self.must("apply", "--yes", self.file)
+        del self.env["SERDES_SIMULATOR_TRACE"]
+        self.calls = trace.read_text().splitlines()
+        head = re.search(r'^switch = ".*"$', self.state.read_text(), re.MULTILINE)
+        assert head
+        self.head = head.group()
+
+    def faults(self) -> list[tuple[str, int]]:
+        """Operations with the ordinals at which they were called."""
+        counts: dict[str, int] = {}
+        found = []
+        for call in self.calls:
+            name = operation_of(call)
+            counts[name] = counts.get(name, 0) + 1
+            found.append((name, counts[name]))
+        return found
+
+    def apply_with(self, operation: str, ordinal: int, always: bool) -> Result:
+        self.state.unlink(missing_ok=True)
+        fault = f'[[faults]]\noperation = "{operation}"\nordinal = {ordinal}\nalways = {str(always).lower()}\n'
+        self.on_description(SMALL + fault)
+        return self.do("apply", "--yes", self.file)
+
+    def mend(self) -> None:
+        """The fault is gone: the switch's state goes on without it."""
+        self.on_description(SMALL)
+        if not self.state.exists():
+            return
+        text = self.state.read_text()
+        text = re.sub(r'^switch = ".*"$', self.head, text, flags=re.MULTILINE)
+        text = re.sub(r'^"switch" = \[(\d+), (\d+).*\]$', r'"switch" = [\1, \2]', text, flags=re.MULTILINE)
+        text = text[: text.rindex("# whole ")]
+        self.state.write_text(text + f"# whole {fnv(text):016x}\n")
+
+    def test_whatever_fails_everything_goes_back_or_is_named(self) -> None:
+        faults = self.faults()
+        sets = [fault for fault in faults if re.match(r"Set|TxStreamEnable", fault[0])]
+        chosen = sets[:: max(1, STRIDE // 50)] + faults[::STRIDE]
+        ends = set()
+        for operation, ordinal in chosen:
+            for always in (False, True):
+                with self.subTest(operation=operation, ordinal=ordinal, always=always):
+                    ends.add(self.check(operation, ordinal, always))
+        self.assertLessEqual({"verified", "rolled back"}, ends)
+
+    def check(self, operation: str, ordinal: int, always: bool) -> str:
+        result = self.apply_with(operation, ordinal, always)
+        self.mend()
+        self.assertNotEqual(result.status, 130)
+        if "verified" in result.out:
+            self.assertEqual(result.status, 3 if operation.endswith("Close") else 0, result)
+            self.must("plan", self.file)
+            return "verified"
+        self.assertNotEqual(result.status, 0)
+        left = self.differences(self.before)
+        if left == "":
+            return "rolled back"
+        self.assertIn("serdesctl undo ", result.err)
+        undone = self.do("undo", "--yes")
+        self.assertEqual(undone.status, 0, (result, undone))
+        self.assertEqual(self.differences(self.before), "", (result, undone))
+        return "undone"
+
+
+def operation_of(call: str) -> str:
+    name, arguments = call.split("(", 1)
+    if name != "GetSerDesInfo":
+        return name
+    count = len(arguments.split(")")[0].split(","))
+    return f"GetSerDesInfo/{('asic', 'core', 'port')[count - 1]}"
+
+
+def fnv(text: str) -> int:
+    number = 0xCBF29CE484222325
+    for byte in text.encode():
+        number = (number ^ byte) * 0x100000001B3 % 2**64
+    return number
+
+
+class Interrupting(ChangingTest):
+    def setUp(self) -> None:
+        super().setUp()
+        self.on_description(SMALL)
+        self.file = self.script(SETTINGS, "lab.toml")
+
+    def test_interrupt_rolls_back(self) -> None:
+        save = self.save()
+        process = self.start(*self.words, "apply", "--yes", "--confirm", "60", self.file)
+        assert process.stderr
+        while "waiting until" not in (line := process.stderr.readline()):
+            self.assertTrue(line)
+        process.send_signal(signal.SIGINT)
+        _, err = process.communicate(timeout=LIMIT_SECONDS)
+        self.assertEqual(process.returncode, 130, err)
+        self.assertIn("rolled back, the switch is as before", err)
+        self.assertEqual(self.differences(save), "")
+        self.assertEqual(self.history()[-1]["state"], "rolled back")
+
+    def test_a_tool_that_dies_leaves_a_way_back(self) -> None:
+        save = self.save()
+        dying = self.folder / "dying"
+        dying.write_text(
+            f"#!{sys.executable}\n"
+            "import os, subprocess, sys\n"
+            f"tool = subprocess.Popen([{self.env['SERDES']!r}], stdin=subprocess.PIPE)\n"
+            "for line in sys.stdin:\n"
+            "    tool.stdin.write(line.encode()); tool.stdin.flush()\n"
+            "    if line.startswith('setRate'):\n"
+            "        tool.stdin.close(); tool.wait(); os._exit(1)\n"
+            "tool.stdin.close(); tool.wait()\n"
+        )
+        dying.chmod(0o755)
+        self.env["SERDESCTL_TOOL"] = str(dying)
+        status, _, err = self.do("apply", "--yes", self.file)
+        self.env["SERDESCTL_TOOL"] = self.env["SERDES"]
+        run = self.last_run()
+        self.assertEqual(status, 3, err)
+        self.assertIn(f"serdesctl undo {run}", err)
+        self.assertNotEqual(self.differences_quietly(save), "")
+        self.assertIn(f"run {run} ", self.do("diff", save).err)
+        self.must("undo", "--yes")
+        self.assertEqual(self.do("diff", save), (0, "", ""))
+
+    def differences_quietly(self, save: str) -> str:
+        return self.do("diff", save).out
+
+
+class GuardAndConfirmation(ChangingTest):
+    def test_a_change_that_makes_a_link_worse_rolls_back_by_itself(self) -> None:
+        save = self.save()
+        self.env["SERDES_SIMULATOR_CLOCK"] = "monotonic"
+        worse = self.script('[[settings]]\nports = "4"\ntransmit = { k = 20 }\n', "worse.toml")
+        status, _, err = self.do("apply", "--yes", "--guard", "1", worse)
+        self.assertEqual(status, 1, err)
+        self.assertRegex(err, r"ASIC 0 port 4: (dead|bad), it was good: .*: rolled back")
+        self.assertEqual(self.differences(save), "")
+
+    def test_a_change_that_does_no_harm_stays(self) -> None:
+        self.env["SERDES_SIMULATOR_CLOCK"] = "monotonic"
+        better = self.script('[[settings]]\nports = "14"\nreceive = { amax = 80 }\n', "fine.toml")
+        self.assertIn("verified", self.must("apply", "--yes", "--guard", "1", better).out)
+
+    def waiting(self, seconds: str) -> tuple[subprocess.Popen[str], str]:
+        file = self.script('[[settings]]\nports = "4"\ntransmit = { k = 110 }\n', "lab.toml")
+        process = self.start(*self.words, "apply", "--yes", "--confirm", seconds, file)
+        self.wait_until(lambda: '"waiting"' in self.ctl("pending", "--json").out, "it does not wait")
+        return process, json.loads(self.ctl("pending", "--json").out)["run"]
+
+    def test_confirmed_in_time(self) -> None:
+        process, run = self.waiting("60")
+        self.assertEqual(self.ctl("confirm", run), (0, "", ""))
+        out, err = process.communicate(timeout=LIMIT_SECONDS)
+        self.assertIn("verified", out, err)
+        self.assertEqual(self.ctl("confirm", run).status, 2)
+        self.assertEqual(self.ctl("pending").out, "")
+
+    def test_not_confirmed_in_time(self) -> None:
+        save = self.save()
+        file = self.script('[[settings]]\nports = "4"\ntransmit = { k = 110 }\n', "lab.toml")
+        status, _, err = self.do("apply", "--yes", "--confirm", "0.5", file)
+        self.assertEqual(status, 1)
+        self.assertIn("not confirmed: rolled back, the switch is as before", err)
+        self.assertEqual(self.differences(save), "")
+
+    def test_a_key_at_the_terminal_confirms(self) -> None:
+        file = self.script('[[settings]]\nports = "4"\ntransmit = { k = 110 }\n', "lab.toml")
+        words = [*self.words, "apply", "--yes", "--confirm", "60", file]
+        for key, status in (("n\n", 1), ("\n", 0)):
+            with Terminal(*words, program=[SERDESCTL], env=self.env) as terminal:
+                terminal.read_to(b"waiting until")
+                terminal.type(key)
+                self.assertEqual(terminal.exit_status(), status)
+
+    def test_killed_it_counts_as_not_confirmed(self) -> None:
+        save = self.save()
+        process, run = self.waiting("60")
+        process.kill()
+        process.wait()
+        self.assertIn(f"run {run} (apply ", self.do("health").err)
+        self.assertEqual(json.loads(self.ctl("pending", "--json").out)["state"], "interrupted")
+        self.must("undo", "--yes", run)
+        self.assertEqual(self.do("diff", save), (0, "", ""))
+        self.assertEqual(self.ctl("pending").out, "")
+
+    def test_killed_and_then_kept(self) -> None:
+        process, run = self.waiting("60")
+        process.kill()
+        process.wait()
+        self.assertEqual(self.ctl("confirm", run).status, 0)
+        self.assertEqual(self.do("health").err, "")
+        self.assertEqual(self.history()[-1]["state"], "kept")
+
+
+if __name__ == "__main__":
+    unittest.main()

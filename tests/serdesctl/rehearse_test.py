@@ -1,0 +1,123 @@
+#!/usr/bin/env python3
+"""serdesctl rehearse: scripts and settings on twins; the switch itself is left alone."""
+
+from __future__ import annotations
+
+import os
+import unittest
+from pathlib import Path
+from typing import Any
+
+from program import ProgramTest
+from schemas import load
+from serdes_runs import StrPath, shipped_switch
+
+BENCH = f"sim:{shipped_switch('bench')}"
+
+
+class Rehearse(ProgramTest):
+    def setUp(self) -> None:
+        super().setUp()
+        self.temporary = self.folder / "tmp"
+        self.temporary.mkdir()
+        self.env["TMPDIR"] = str(self.temporary)
+
+    def tearDown(self) -> None:
+        self.assertEqual(os.listdir(self.temporary), [], "something is left behind")
+
+    def rehearse(self, text: str, *words: StrPath, target: str = BENCH, name: str = "script") -> dict[str, Any]:
+        done = self.ctl("-t", target, "rehearse", self.script(text, name), "--json", *words)
+        self.assertEqual(done.err, "")
+        report = load(done.out)
+        self.assertEqual(report["kind"], "rehearsal")
+        good = not report["refused"] and not any(port["trend"] == "worse" for port in report["ports"])
+        self.assertEqual((report["good"], done.status), (good, 0 if good else 1))
+        return report
+
+    def test_nothing_changes(self) -> None:
+        report = self.rehearse("showRate all\n# nothing\n")
+        self.assertEqual((report["refused"], report["changes"], report["ports"]), ([], [], []))
+
+    def test_a_port_gets_worse(self) -> None:
+        report = self.rehearse("setTxParams FFE2 20 0 30 -30 0 100 3\n")
+        self.assertEqual(report["refused"], [])
+        self.assertEqual({(c["port"], c["side"], c["link"]) for c in report["changes"]}, {(3, "tx", 0)})
+        self.assertIn(("k", 115, 20), [(c["parameter"], c["old"], c["new"]) for c in report["changes"]])
+        worst = report["ports"][0]
+        self.assertEqual((worst["port"], worst["trend"], worst["verdict_before"]), (3, "worse", "good"))
+        self.assertLess(worst["amin_after"], worst["amin_before"])
+
+    def test_a_port_gets_better(self) -> None:
+        report = self.rehearse("setRxParams DFE5 6 6 0x4e 14\nsetTxParams FFE3 140 -3 55 -20 0 24 14\n")
+        trends = {port["port"]: port["trend"] for port in report["ports"]}
+        self.assertEqual(trends.get(14), "better")
+        self.assertTrue(report["good"])
+
+    def test_refused_lines(self) -> None:
+        report = self.rehearse(
+            "setTxParams FFE3 140 -60 63 -63 0 24 0\n"  # beyond the peak power
+            "setRate 9G 1\n"
+            "showRate 30\n"
+            "setRate 4G 2\n"
+            "nonsense\n"
+            "setRate 20G 3 #: expect 10\n"
+        )
+        script = str(self.folder / "script")
+        self.assertEqual(
+            sorted(refusal["place"] for refusal in report["refused"]), [f"{script}:{line}" for line in (1, 2, 3, 5)]
+        )
+        self.assertIn("-9", next(r["reason"] for r in report["refused"] if r["place"].endswith(":1")))
+        self.assertIn("nonsense", next(r["command"] for r in report["refused"] if r["place"].endswith(":5")))
+        self.assertEqual({c["parameter"] for c in report["changes"] if c["port"] == 2}, {"config_rate"})
+
+    def test_the_switch_is_left_alone(self) -> None:
+        trace, state = self.folder / "trace", self.folder / "state"
+        self.env["SERDES_SIMULATOR_TRACE"] = str(trace)
+        done = self.ctl("-t", "sim", "--state", state, "rehearse", self.script("setTxEnable 0 gl\nloop setRate 4G 2\n"))
+        self.assertEqual(done.status, 1)
+        calls = trace.read_text()
+        self.assertNotRegex(calls, r"(?m)^(Set|Write|EnableTx|Clr)")
+        self.assertRegex(done.out, r"(?m)^worse: ASIC 0 port 0: .*good -> down, ")
+
+    def test_on_a_save(self) -> None:
+        save = self.folder / "save.json"
+        self.assertEqual(self.ctl("-t", BENCH, "save", "-o", save).status, 0)
+        report = self.rehearse("setTxEnable 0 5\n", "--on", save, target="nobody")
+        self.assertEqual([(p["port"], p["verdict_after"]) for p in report["ports"]], [(5, "down")])
+
+    def test_settings(self) -> None:
+        settings = (
+            '[[settings]]\nports = "3"\ntransmit = { mode = "FFE2", k = 20, c0 = 0, c1 = 30, c2 = -30, c3 = 0 }\n'
+        )
+        report = self.rehearse(settings, name="settings.toml")
+        self.assertEqual({c["port"] for c in report["changes"]}, {3})
+        self.assertEqual((report["ports"][0]["port"], report["ports"][0]["trend"]), (3, "worse"))
+
+    def test_apply_rehearses_first(self) -> None:
+        words = ["-t", BENCH, "--state", str(self.folder / "state")]
+        save = self.folder / "save.json"
+        self.assertEqual(self.ctl(*words, "save", "-o", save).status, 0)
+        bad = '[[settings]]\nports = "3"\ntransmit = { mode = "FFE2", k = 20, c0 = 0, c1 = 30, c2 = -30, c3 = 0 }\n'
+        done = self.ctl(*words, "apply", "--rehearse", "--yes", self.script(bad, "bad.toml"))
+        self.assertEqual(done.status, 1)
+        self.assertRegex(done.err, r"nothing was sent, for on a twin ports get worse:\nworse: ASIC 0 port 3: good -> ")
+        self.assertEqual(self.ctl(*words, "diff", save).status, 0)
+        good = '[[settings]]\nports = "3"\nto = ["2G"]\ntransmit = { k = 90 }\n'
+        done = self.ctl(*words, "apply", "--rehearse", "--yes", self.script(good, "good.toml"))
+        self.assertEqual(done.status, 0, done.err)
+        self.assertEqual(self.ctl(*words, "diff", save).status, 1)
+
+    def test_two_asics(self) -> None:
+        report = self.rehearse("setAsicNum 1\nsetTxEnable 0 3\n", target="sim")
+        self.assertEqual(
+            {(c["asic"], c["port"], c["parameter"]) for c in report["changes"]}, {(1, 3, "stream_enabled")}
+        )
+
+    def test_what_is_refused(self) -> None:
+        for words in (["rehearse", "missing"], ["rehearse", self.script("x = 1", "bad.toml")], ["rehearse"]):
+            done = self.ctl("-t", BENCH, *words)
+            self.assertEqual((done.status, done.out), (2, ""), done.err)
+
+
+if __name__ == "__main__":
+    unittest.main()
