@@ -129,8 +129,7 @@ std::uint32_t portsOfList(const std::string& list, const ConfigText& config) {
   const auto count = static_cast<std::uint32_t>(config.ports.size());
   const std::uint32_t missing = *ports & ~((std::uint32_t{1} << count) - 1);
   if (missing != 0) {
-    throw UsageError("no port " + std::to_string(std::countr_zero(missing)) + " of ASIC " +
-                     std::to_string(config.asic));
+    throw UsageError("no port " + std::to_string(lowestPort(missing)) + " of ASIC " + std::to_string(config.asic));
   }
   return *ports;
 }

@@ -9,6 +9,7 @@
 #include "arguments/cmd_status.h"
 #include "serdesctl/base/command_words.h"
 #include "serdesctl/base/errors.h"
+#include "serdesctl/base/tool_facts.h"
 #include "serdesctl/session/conversation.h"
 #include "serdesctl/tables/records.h"
 
@@ -80,7 +81,7 @@ void readTogether(std::uint32_t ports, Read&& read, Refused&& refused) {
     return;
   } catch (const RefusedError& error) {
     if (std::has_single_bit(ports)) {
-      refused(static_cast<std::uint32_t>(std::countr_zero(ports)), std::string(error.what()));
+      refused(lowestPort(ports), std::string(error.what()));
       return;
     }
   }

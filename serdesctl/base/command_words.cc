@@ -5,6 +5,8 @@
 
 #include <cctype>
 
+#include "shell/help_and_loop.h"
+
 namespace serdesctl {
 
 Words splitWords(const std::string& line) {
@@ -35,6 +37,19 @@ const CmdTableEntry* findCommand(const std::string& word) {
 
 bool asksForHelp(const Words& words) {
   return words.size() >= 2 && (words[1] == "?" || strcasecmp(words[1].c_str(), "help") == 0);
+}
+
+Words loopedCommand(const Words& words) {
+  const CmdTableEntry* const row = words.empty() ? nullptr : findCommand(words[0]);
+  if (row == nullptr || row->handler != loopCmdHandler || asksForHelp(words)) return {};
+  if (static_cast<std::int32_t>(words.size()) < row->minArgs) return {};
+  return {words.begin() + 1, words.end()};
+}
+
+Words innermostCommand(Words words) {
+  for (Words looped = loopedCommand(words); !looped.empty(); looped = loopedCommand(words))
+    words = looped;
+  return words;
 }
 
 }  // namespace serdesctl

@@ -22,4 +22,10 @@ const CmdTableEntry* findCommand(const std::string& word);
 // Words that ask for a command's help and run nothing.
 bool asksForHelp(const Words& words);
 
+// The command that a loop repeats, empty for any other command and for a loop that is refused.
+Words loopedCommand(const Words& words);
+
+// The command that loops repeat in the end; any other command is its own.
+Words innermostCommand(Words words);
+
 }  // namespace serdesctl

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/platform.h"
+#include "serdesctl/base/tool_facts.h"
 #include "serdesctl/plan/places.h"
 #include "serdesctl/plan/port_planning.h"
 #include "serdesctl/session/conversation.h"
@@ -52,7 +53,7 @@ std::size_t wordCount(const std::string& line) {
 
 // The next word of a port list, and its ports; they are taken out of the mask.
 std::pair<std::string, std::uint32_t> takeRun(std::uint32_t& ports) {
-  const auto first = static_cast<std::uint32_t>(std::countr_zero(ports));
+  const auto first = lowestPort(ports);
   std::uint32_t last = first;
   while (last + 1 < kMaxPorts && (ports >> (last + 1) & 1) != 0)
     ++last;

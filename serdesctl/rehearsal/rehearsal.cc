@@ -15,7 +15,6 @@
 #include "serdesctl/base/files.h"
 #include "serdesctl/rehearsal/rehearsal_platform.h"
 #include "shell/command_reader.h"
-#include "shell/help_and_loop.h"
 #include "topology/serdes_topology.h"
 
 namespace serdesctl {
@@ -163,19 +162,6 @@ std::string missingInList(const Words& words, const ListPlace& place, bool known
 }
 
 }  // namespace
-
-Words loopedCommand(const Words& words) {
-  const CmdTableEntry* const row = findCommand(words.at(0));
-  if (row == nullptr || row->handler != loopCmdHandler || asksForHelp(words)) return {};
-  if (static_cast<std::int32_t>(words.size()) < row->minArgs) return {};
-  return {words.begin() + 1, words.end()};
-}
-
-Words innermostCommand(Words words) {
-  for (Words looped = loopedCommand(words); !looped.empty(); looped = loopedCommand(words))
-    words = looped;
-  return words;
-}
 
 std::optional<std::uint32_t> selectedAsic(const Words& words) {
   const Words command = innermostCommand(words);

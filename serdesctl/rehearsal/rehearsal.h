@@ -14,12 +14,6 @@
 
 namespace serdesctl {
 
-// The command that a loop repeats, empty for any other command and for a loop that is refused.
-Words loopedCommand(const Words& words);
-
-// The command that loops repeat in the end; any other command is its own.
-Words innermostCommand(Words words);
-
 // The ASIC that a command selects, in a loop too; nothing for other commands.
 std::optional<std::uint32_t> selectedAsic(const Words& words);
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/platform.h"
+#include "serdesctl/base/tool_facts.h"
 #include "topology/serdes_topology.h"
 
 namespace serdesctl {
@@ -37,8 +38,6 @@ struct RehearsedAsic {
   std::array<RehearsedPort, kMaxPorts> ports{};
   std::array<RehearsedCore, kMaxCores> cores{};
 };
-
-inline constexpr std::size_t kMostAsics = 2;  // that the tool can address
 
 struct RehearsedSwitch {
   Switch_HW_Config_t hardware{};

@@ -13,16 +13,15 @@
 #include "serdesctl/base/command_words.h"
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/text.h"
+#include "serdesctl/base/tool_facts.h"
 #include "shell/help_and_loop.h"
 #include "shell/session.h"
 
 namespace serdesctl {
 namespace {
 
-constexpr std::string_view kPrompt = "serdes: ";
 constexpr std::string_view kAnswerEnd = "\n\nserdes: ";
 constexpr std::string_view kBothAnswersEnd = "\n\nserdes: \n\nserdes: ";
-constexpr std::string_view kStartBegin = "switchHwConfig.NumSlots:";
 constexpr std::string_view kStartEnd = "\ncurrent asicNum:";
 constexpr std::string_view kCommandList = "\n\ncommand  ";
 

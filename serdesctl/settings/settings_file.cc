@@ -13,7 +13,8 @@
 #include "arguments/keywords.h"
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/files.h"
-#include "serdesctl/rehearsal/rehearsal_platform.h"
+#include "serdesctl/base/tool_facts.h"
+#include "topology/serdes_topology.h"
 
 namespace serdesctl {
 namespace {

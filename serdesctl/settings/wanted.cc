@@ -8,6 +8,7 @@
 
 #include "display/name_tables.h"
 #include "serdesctl/asking/asked_switch.h"
+#include "serdesctl/base/tool_facts.h"
 #include "topology/serdes_topology.h"
 
 namespace serdesctl {
@@ -124,11 +125,11 @@ void checkKinds(const SettingsEntry& entry, const AsicState& asic, std::uint32_t
   const std::uint32_t ethernet = ports & asic.config.exgPorts;
   const std::uint32_t others = ports & (asic.config.glPorts | asic.config.xgPorts);
   if (forOthers && ethernet != 0) {
-    problems.add(entry, "transmit, receive: " + portText(asic.asic, std::countr_zero(ethernet)) +
+    problems.add(entry, "transmit, receive: " + portText(asic.asic, lowestPort(ethernet)) +
                             " is an ethernet port, whose caches have ethernet settings alone");
   }
   if (saysAny(entry.ethernet) && others != 0) {
-    problems.add(entry, "ethernet: " + portText(asic.asic, std::countr_zero(others)) + " is no ethernet port");
+    problems.add(entry, "ethernet: " + portText(asic.asic, lowestPort(others)) + " is no ethernet port");
   }
 }
 

@@ -9,8 +9,8 @@
 #include "display/name_tables.h"
 #include "serdesctl/asking/asked_switch.h"
 #include "serdesctl/base/errors.h"
+#include "serdesctl/base/tool_facts.h"
 #include "serdesctl/rehearsal/learning.h"
-#include "serdesctl/rehearsal/rehearsal_platform.h"
 #include "topology/serdes_topology.h"
 
 namespace serdesctl {
@@ -136,7 +136,7 @@ class AsicReader {
 
 std::set<std::uint32_t> chosenAsics(const CaptureChoice& choice, std::uint32_t count) {
   std::set<std::uint32_t> asics;
-  for (std::uint32_t asic = 0; asic < std::min<std::uint32_t>(count, kMostAsics); ++asic)
+  for (std::uint32_t asic = 0; asic < std::min(count, kMostAsics); ++asic)
     asics.insert(asic);
   if (!choice.asics) return asics;
   for (const std::uint32_t asic : *choice.asics) {

@@ -11,7 +11,7 @@
 
 #include "display/name_tables.h"
 #include "serdesctl/base/files.h"
-#include "serdesctl/rehearsal/rehearsal_platform.h"
+#include "serdesctl/base/tool_facts.h"
 #include "serdesctl/state/json_place.h"
 #include "serdesctl/tables/config_records.h"
 #include "topology/serdes_topology.h"

@@ -13,6 +13,7 @@
 #include "serdesctl/asking/asked_switch.h"
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/output.h"
+#include "serdesctl/base/tool_facts.h"
 #include "serdesctl/formats/reports.h"
 #include "serdesctl/health/looking.h"
 #include "serdesctl/journal/journal.h"
@@ -23,8 +24,6 @@
 
 namespace serdesctl {
 namespace {
-
-constexpr std::uint32_t kMostAsics = 2;  // that the tool can select
 
 using Looks = std::map<std::uint32_t, PortLook>;
 

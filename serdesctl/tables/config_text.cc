@@ -6,6 +6,7 @@
 #include <tuple>
 #include <utility>
 
+#include "serdesctl/base/tool_facts.h"
 #include "serdesctl/tables/cells.h"
 #include "serdesctl/tables/text_cursor.h"
 #include "topology/serdes_topology.h"
@@ -191,7 +192,7 @@ void nameCores(ConfigText& config) {
 
 SwitchText readSwitch(TextCursor& text) {
   SwitchText result;
-  text.expect("switchHwConfig.NumSlots:");
+  text.expect(kStartBegin);
   result.slots = text.number();
   text.expect("\nswitchHwConfig.NumUserPorts:");
   result.userPorts = text.number();

@@ -2,32 +2,19 @@
 // echoed command or, on a pipe, by the answer itself.
 #include "serdesctl/tables/log_reader.h"
 
-#include <strings.h>
-
 #include <optional>
 #include <utility>
 
+#include "serdesctl/base/tool_facts.h"
 #include "serdesctl/tables/config_text.h"
 
 namespace serdesctl {
 namespace {
 
-constexpr std::string_view kPrompt = "serdes: ";
-constexpr std::string_view kStart = "switchHwConfig.NumSlots:";
 constexpr std::string_view kFailedStart = "openSerdes: serdes err ";
 constexpr std::string_view kFailedEnd = "main()->closeSerdes(): serdes err ";
 constexpr std::string_view kPass = "That is ";
 constexpr std::string_view kAnswerEnd = "\n\n";
-
-// The command that loops repeat in the end.
-Words withoutLoops(Words words) {
-  while (!words.empty() && !asksForHelp(words)) {
-    const CmdTableEntry* const row = findCommand(words[0]);
-    if (row == nullptr || strcasecmp(row->name, "loop") != 0) break;
-    words.erase(words.begin());
-  }
-  return words;
-}
 
 class LogReader {
  public:
@@ -46,7 +33,7 @@ class LogReader {
 
  private:
   void item() {
-    if (text_.startsWith(kStart) || text_.startsWith(kFailedStart)) {
+    if (text_.startsWith(kStartBegin) || text_.startsWith(kFailedStart)) {
       start();
     } else if (text_.skip(kFailedEnd)) {
       (void)text_.number();
@@ -61,7 +48,7 @@ class LogReader {
   LogItem& add(const std::string& command) {
     LogItem& item = items_.emplace_back();
     item.command = command;
-    item.words = withoutLoops(splitWords(command));
+    item.words = innermostCommand(splitWords(command));
     item.place = text_.place();
     return item;
   }
@@ -69,7 +56,7 @@ class LogReader {
   void start() {
     LogItem& item = add("");
     StartText start;
-    if (text_.startsWith(kStart)) {
+    if (text_.startsWith(kStartBegin)) {
       start.hardware = readSwitch(text_);
       start.discovery = readDiscovery(text_);
     }
@@ -93,7 +80,8 @@ class LogReader {
     if (words.empty() || findCommand(words[0]) == nullptr) {
       try {
         answer("");
-        if (text_.atEnd() || text_.startsWith(kPrompt) || text_.startsWith(kStart) || text_.startsWith(kFailedEnd)) {
+        if (text_.atEnd() || text_.startsWith(kPrompt) || text_.startsWith(kStartBegin) ||
+            text_.startsWith(kFailedEnd)) {
           return;
         }
       } catch (const ParseError&) {

@@ -6,6 +6,7 @@
 #include <bit>
 
 #include "display/name_tables.h"
+#include "serdesctl/base/tool_facts.h"
 #include "serdesctl/tables/cells.h"
 #include "topology/serdes_topology.h"
 
@@ -119,7 +120,7 @@ class Placing {
 
   void checkAgainstCommand() const {
     if (!context_.ports || (headPorts_ & ~*context_.ports) == 0) return;
-    fail("the table shows port " + std::to_string(std::countr_zero(headPorts_ & ~*context_.ports)) +
+    fail("the table shows port " + std::to_string(lowestPort(headPorts_ & ~*context_.ports)) +
          ", which the command does not name");
   }
 
@@ -200,7 +201,7 @@ class Placing {
   // Without the topology a row's cells can be counted, but not shared out to several ports.
   std::uint32_t onlyPort() const {
     const std::uint32_t ports = context_.ports.value_or(0) & ((std::uint32_t{1} << kMaxPorts) - 1);
-    if (std::popcount(ports) == 1 && head_.cells) return static_cast<std::uint32_t>(std::countr_zero(ports));
+    if (std::popcount(ports) == 1 && head_.cells) return lowestPort(ports);
     fail("how many receive links each port has is not in the table: the answer to showConfig tells");
   }
 

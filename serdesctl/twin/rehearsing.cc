@@ -16,11 +16,11 @@
 #include "serdesctl/asking/asked_switch.h"
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/files.h"
+#include "serdesctl/base/tool_facts.h"
 #include "serdesctl/formats/json_object.h"
 #include "serdesctl/health/looking.h"
 #include "serdesctl/journal/change_log.h"
 #include "serdesctl/rehearsal/learning.h"
-#include "serdesctl/rehearsal/rehearsal_platform.h"
 #include "serdesctl/run/runner.h"
 #include "serdesctl/state/capture.h"
 #include "serdesctl/state/diff_report.h"
@@ -101,7 +101,7 @@ class TwinRun {
  public:
   TwinRun(const std::string& description, Seconds timeout) : tool_(twinTarget(folder_, description), timeout) {
     const std::uint32_t asics = parseStart(tool_.startText()).hardware.asics;
-    for (std::uint32_t asic = 0; asic < std::min<std::uint32_t>(asics, kMostAsics); ++asic)
+    for (std::uint32_t asic = 0; asic < std::min(asics, kMostAsics); ++asic)
       asics_.emplace_back(tool_, asic);
     select(0);
   }

@@ -21,6 +21,7 @@ import serdes_runs
 from serdes_runs import LIMIT_SECONDS, ROOT, SERDES, StrPath
 
 SERDESCTL = os.path.abspath(os.environ.get("SERDESCTL", ROOT / "build" / "serdesctl"))
+EMULATED = SERDESCTL.endswith("-emulated")  # a script that runs it as another processor would
 HERE = Path(__file__).resolve().parent
 
 

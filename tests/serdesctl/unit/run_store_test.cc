@@ -64,7 +64,8 @@ PlannedStep step(const std::string& command) {
                              .parameter = "c2",
                              .before = std::int64_t{-25},
                              .after = std::int64_t{-20}});
-  planned.changes.push_back({.place = {.asic = 1, .port = 2}, .parameter = "stream_enabled", .before = true, .after = {}});
+  planned.changes.push_back(
+      {.place = {.asic = 1, .port = 2}, .parameter = "stream_enabled", .before = true, .after = {}});
   return planned;
 }
 
