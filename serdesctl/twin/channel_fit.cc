@@ -8,7 +8,8 @@ namespace serdesctl {
 namespace {
 
 constexpr double kFinest = 0.01;  // of a length
-constexpr double kRoughly = 10;   // steps by which the coarse search may miss a residual
+constexpr double kRoughly = 10;   // steps by which the coarse search may miss a residual; finer ones miss less
+constexpr double kChanceSteps = 0.4;
 
 simulator::Channel boardOf(double inches) {
   return simulator::fr4Trace(inches) + simulator::connector() + simulator::connector();
@@ -31,9 +32,8 @@ class Search {
     ChannelFit best = {.medium = medium_, .length = 0, .residual = at(0)};
     for (double length = row_.coarse; length <= row_.longest && !isBeyond(length, best); length += row_.coarse)
       keepBetter(length, best);
-    if (best.residual > bound + kRoughly) return best;
-    double step = row_.coarse;
-    while ((step /= 2) >= kFinest) {
+    for (double step = row_.coarse / 2; step >= kFinest; step /= 2) {
+      if (best.residual > bound + kChanceSteps + kRoughly * 2 * step / row_.coarse) return best;
       const double middle = best.length;
       for (const double length : {middle - step, middle + step})
         if (length >= 0 && length <= row_.longest) keepBetter(length, best);
@@ -158,7 +158,6 @@ ChannelFit fitChannel(std::span<const FitLink> links, const simulator::Transmitt
 }
 
 bool isHardlyWorse(double residual, double best) {
-  constexpr double kChanceSteps = 0.4;
   return residual <= std::hypot(best, kChanceSteps);
 }
 
