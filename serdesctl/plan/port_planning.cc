@@ -298,13 +298,12 @@ class PortPlanner {
     if (speed) settingSpeed (*speed)(predicted);
     if (isUnknownRate(speed)) return takeAll(predicted, tx, rx);
     const std::string rate = rateInForce(predicted, *predicted.configRate, wanted_);
-    const bool possible = takeTx(predicted, rate, tx) | takeRx(predicted, rate, rx);
+    const bool possible = takeBoth(predicted, rate, tx, rx);
     if (speed || !possible) return possible;
     wanted_.tx = goalOf(model_.tx, wanted_.tx).then;
     wanted_.rx = goalOf(model_.rx, wanted_.rx).then;
     settingSpeed (*model_.configRate)(predicted);
-    (void)takeTx(predicted, rate, tx);
-    (void)takeRx(predicted, rate, rx);
+    (void)takeBoth(predicted, rate, tx, rx);
     return true;
   }
 
@@ -312,8 +311,15 @@ class PortPlanner {
                std::map<std::string, RxRawValues>& rx) const {
     bool possible = false;
     for (const ValueName& rate : rateNames)
-      possible |= takeTx(predicted, rate.name, tx) | takeRx(predicted, rate.name, rx);
+      possible = takeBoth(predicted, rate.name, tx, rx) || possible;
     return possible;
+  }
+
+  bool takeBoth(const PortState& predicted, const std::string& rate, std::map<std::string, TxRawValues>& tx,
+                std::map<std::string, RxRawValues>& rx) const {
+    const bool transmit = takeTx(predicted, rate, tx);
+    const bool receive = takeRx(predicted, rate, rx);
+    return transmit || receive;
   }
 
   bool takeTx(const PortState& predicted, const std::string& rate, std::map<std::string, TxRawValues>& caches) const {

@@ -120,10 +120,10 @@ bool isRate(const std::string& name) {
 
 std::string rateInForce(const PortState& port, const std::string& configRate, const PortState& wanted) {
   if (isRate(configRate)) return configRate;
-  const std::string then = wanted.observed.runningRate.value_or("");
+  std::string then = wanted.observed.runningRate.value_or("");
   if (isRate(then)) return then;
   const bool mayStop = wanted.observed.runningRate && port.configRate && isRate(*port.configRate);
-  const std::string now = port.observed.runningRate.value_or("");
+  std::string now = port.observed.runningRate.value_or("");
   return isRate(now) && !mayStop ? now : "";
 }
 
