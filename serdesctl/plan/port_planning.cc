@@ -275,8 +275,17 @@ class PortPlanner {
     setCaches(Phase::kCaches, &PortState::txCaches, txMeanwhile);
     setCaches(Phase::kCaches, &PortState::rxCaches, rxMeanwhile);
     if (!speed && !detour) return;
+    if (detour && isUnknownRate(speed)) {
+      add(Phase::kSpeedMeanwhile, "setRate " + *model_.configRate, Effect::kRetrain, settingSpeed(*model_.configRate));
+    }
     const std::string rate = speed.value_or(model_.configRate.value_or(""));
     add(Phase::kSpeed, "setRate " + rate, Effect::kRetrain, settingSpeed(rate));
+  }
+
+  // Which rate AUTO will find, if any, shows afterwards alone: then the rate that was set until now puts the caches
+  // into force, and those of all rates hold the same.
+  bool isUnknownRate(const std::optional<std::string>& speed) const {
+    return speed && isRate(*model_.configRate) && rateInForce(model_, *speed, wanted_).empty();
   }
 
   // Puts live settings that have no other way into the caches of the rate that will be in force. A speed that is set
@@ -287,15 +296,30 @@ class PortPlanner {
     predicted.txCaches = tx;
     predicted.rxCaches = rx;
     if (speed) settingSpeed (*speed)(predicted);
+    if (isUnknownRate(speed)) return takeAll(predicted, tx, rx);
     const std::string rate = rateInForce(predicted, *predicted.configRate, wanted_);
-    const bool possible = takeTx(predicted, rate, tx) | takeRx(predicted, rate, rx);
+    const bool possible = takeBoth(predicted, rate, tx, rx);
     if (speed || !possible) return possible;
     wanted_.tx = goalOf(model_.tx, wanted_.tx).then;
     wanted_.rx = goalOf(model_.rx, wanted_.rx).then;
     settingSpeed (*model_.configRate)(predicted);
-    (void)takeTx(predicted, rate, tx);
-    (void)takeRx(predicted, rate, rx);
+    (void)takeBoth(predicted, rate, tx, rx);
     return true;
+  }
+
+  bool takeAll(const PortState& predicted, std::map<std::string, TxRawValues>& tx,
+               std::map<std::string, RxRawValues>& rx) const {
+    bool possible = false;
+    for (const ValueName& rate : rateNames)
+      possible = takeBoth(predicted, rate.name, tx, rx) || possible;
+    return possible;
+  }
+
+  bool takeBoth(const PortState& predicted, const std::string& rate, std::map<std::string, TxRawValues>& tx,
+                std::map<std::string, RxRawValues>& rx) const {
+    const bool transmit = takeTx(predicted, rate, tx);
+    const bool receive = takeRx(predicted, rate, rx);
+    return transmit || receive;
   }
 
   bool takeTx(const PortState& predicted, const std::string& rate, std::map<std::string, TxRawValues>& caches) const {

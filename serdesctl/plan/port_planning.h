@@ -11,7 +11,7 @@
 namespace serdesctl {
 
 // The order in which links suffer least.
-enum class Phase { kCaches, kSpeed, kLive, kCachesBack, kStreams };
+enum class Phase { kCaches, kSpeedMeanwhile, kSpeed, kLive, kCachesBack, kStreams };
 
 struct Operation {
   Phase phase = Phase::kCaches;

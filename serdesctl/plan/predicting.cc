@@ -18,6 +18,7 @@ constexpr std::int32_t kEthernetMain = 63;
 constexpr std::int32_t kStepOfPreEmphasis = 2;
 constexpr std::int32_t kMostEthernet = 15;  // power, pre-emphasis
 constexpr std::int32_t kMostEqMode = 7;
+constexpr std::int32_t kMostCdrMode = 3;
 
 bool fits(std::int32_t value, std::int32_t least, std::int32_t greatest) {
   return least <= value && value <= greatest;
@@ -68,7 +69,7 @@ void apply(const TxRawValues& cache, LiveTx& live) {
 }
 
 void applyEthernet(const RxRawValues& cache, LiveRx& live) {
-  if (fits(cache.p[0], 0, kMostEqMode)) live.peak = cache.p[0];
+  if (fits(cache.mode, 0, kMostCdrMode) && fits(cache.p[0], 0, kMostEqMode)) live.peak = cache.p[0];
 }
 
 void apply(const RxRawValues& cache, LiveRx& live) {
@@ -119,10 +120,11 @@ bool isRate(const std::string& name) {
 
 std::string rateInForce(const PortState& port, const std::string& configRate, const PortState& wanted) {
   if (isRate(configRate)) return configRate;
-  for (const auto& seen : {wanted.observed.runningRate, port.observed.runningRate}) {
-    if (seen && isRate(*seen)) return *seen;
-  }
-  return "";
+  std::string then = wanted.observed.runningRate.value_or("");
+  if (isRate(then)) return then;
+  const bool mayStop = wanted.observed.runningRate && port.configRate && isRate(*port.configRate);
+  std::string now = port.observed.runningRate.value_or("");
+  return isRate(now) && !mayStop ? now : "";
 }
 
 void putIntoForce(PortState& port, const std::string& rate, EthernetSides ethernet) {
@@ -155,6 +157,7 @@ std::optional<TxRawValues> cacheFor(const LiveTx& live, const TxRawValues& other
 std::optional<RxRawValues> cacheFor(const LiveRx& live, const RxRawValues& otherwise, bool ethernet) {
   if (!ethernet || !live.peak || !fits(*live.peak, 0, kMostEqMode)) return std::nullopt;
   RxRawValues cache = otherwise;
+  if (!fits(cache.mode, 0, kMostCdrMode)) cache.mode = 0;  // or neither would be taken; what is in use is not shown
   cache.p[0] = *live.peak;
   return cache;
 }

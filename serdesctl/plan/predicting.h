@@ -21,7 +21,8 @@ EthernetSides ethernetSides(const AsicState& asic, std::uint32_t port);
 bool isRate(const std::string& name);
 
 // The rate whose caches setting this speed puts into force; empty when it is not known. AUTO stays at the rate that the
-// port runs at, or that the wanted state was seen to run at.
+// port runs at, or that the wanted state was seen to run at; a port that is to go back to AUTO and was seen not to run
+// there may find no rate again.
 std::string rateInForce(const PortState& port, const std::string& configRate, const PortState& wanted);
 
 // A rate's caches become the live settings of all links. Numbers that no SerDes takes leave them as they are.

@@ -8,7 +8,8 @@ namespace serdesctl {
 namespace {
 
 constexpr double kFinest = 0.01;  // of a length
-constexpr double kRoughly = 10;   // steps by which the coarse search may miss a residual
+constexpr double kRoughly = 10;   // steps by which the coarse search may miss a residual; finer ones miss less
+constexpr double kChanceSteps = 0.4;
 
 simulator::Channel boardOf(double inches) {
   return simulator::fr4Trace(inches) + simulator::connector() + simulator::connector();
@@ -21,6 +22,10 @@ double square(double x) {
   return x * x;
 }
 
+std::size_t tapsOf(const FitLink& link) {
+  return std::min<std::size_t>(link.receiver.dfeTaps, LinkReadings::kTaps);
+}
+
 // The residual as a function of the length alone.
 class Search {
  public:
@@ -28,15 +33,16 @@ class Search {
       : links_(links), far_(far), medium_(medium), row_(mediumRow(medium)) {}
 
   ChannelFit run(double bound) const {
-    ChannelFit best = {.medium = medium_, .length = 0, .residual = at(0)};
+    const double hopeless = bound + kChanceSteps;
+    ChannelFit best = {.medium = medium_, .length = 0, .residual = at(0, hopeless + kRoughly)};
     for (double length = row_.coarse; length <= row_.longest && !isBeyond(length, best); length += row_.coarse)
-      keepBetter(length, best);
-    if (best.residual > bound + kRoughly) return best;
-    double step = row_.coarse;
-    while ((step /= 2) >= kFinest) {
+      keepBetter(length, hopeless + kRoughly, best);
+    for (double step = row_.coarse / 2; step >= kFinest; step /= 2) {
+      const double limit = hopeless + kRoughly * 2 * step / row_.coarse;
+      if (best.residual > limit) return best;
       const double middle = best.length;
       for (const double length : {middle - step, middle + step})
-        if (length >= 0 && length <= row_.longest) keepBetter(length, best);
+        if (length >= 0 && length <= row_.longest) keepBetter(length, limit, best);
     }
     return best;
   }
@@ -47,8 +53,8 @@ class Search {
   }
 
  private:
-  double at(double length) const {
-    return residualOf(links_, far_, medium_, length);
+  double at(double length, double bound = std::numeric_limits<double>::infinity()) const {
+    return residualOf(links_, far_, medium_, length, bound);
   }
 
   // Far behind a good length there is no better one.
@@ -56,8 +62,8 @@ class Search {
     return best.residual < kRoughly && length > best.length + 6 * row_.coarse;
   }
 
-  void keepBetter(double length, ChannelFit& best) const {
-    const double residual = at(length);
+  void keepBetter(double length, double bound, ChannelFit& best) const {
+    const double residual = at(length, std::min(best.residual, bound));
     if (residual >= best.residual) return;
     best.length = length;
     best.residual = residual;
@@ -136,19 +142,20 @@ const MediumRow& mediumRow(Medium medium) {
   return kRows[static_cast<std::size_t>(medium)];
 }
 
-double residualOf(std::span<const FitLink> links, const simulator::Transmitter& far, Medium medium, double length) {
+double residualOf(std::span<const FitLink> links, const simulator::Transmitter& far, Medium medium, double length,
+                  double bound) {
   const simulator::Channel channel = mediumRow(medium).channel(length);
-  double sum = 0;
   double count = 0;
+  for (const FitLink& link : links)
+    count += static_cast<double>(tapsOf(link) + 2);
+  double sum = 0;
   for (const FitLink& link : links) {
     const LinkReadings shown =
         readingsOf(simulator::evaluateLink(far, channel, link.receiver, link.baudGbd, link.aggressors));
-    for (std::size_t tap = 0; tap < std::min<std::size_t>(link.receiver.dfeTaps, LinkReadings::kTaps); ++tap) {
+    for (std::size_t tap = 0; tap < tapsOf(link); ++tap)
       sum += square(shown.taps[tap] - link.seen.taps[tap]);
-      ++count;
-    }
     sum += square(shown.ap - link.seen.ap) + square(shown.amin - link.seen.amin);
-    count += 2;
+    if (sum > square(bound) * count) break;
   }
   return count > 0 ? std::sqrt(sum / count) : 0;
 }
@@ -158,7 +165,6 @@ ChannelFit fitChannel(std::span<const FitLink> links, const simulator::Transmitt
 }
 
 bool isHardlyWorse(double residual, double best) {
-  constexpr double kChanceSteps = 0.4;
   return residual <= std::hypot(best, kChanceSteps);
 }
 

@@ -61,8 +61,10 @@ struct ChannelFit {
   double longest = 0;
 };
 
-// How far the links' readings are from those that a medium of this length gives.
-double residualOf(std::span<const FitLink> links, const simulator::Transmitter& far, Medium medium, double length);
+// How far the links' readings are from those that a medium of this length gives; what is beyond `bound` is told
+// roughly.
+double residualOf(std::span<const FitLink> links, const simulator::Transmitter& far, Medium medium, double length,
+                  double bound = std::numeric_limits<double>::infinity());
 
 // The length with the smallest residual; `links` are those of one port. One that will be far beyond `bound` is found
 // roughly.

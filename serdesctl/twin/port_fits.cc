@@ -200,7 +200,8 @@ class SwitchFit {
   // Before anything is fitted: ports hear themselves.
   static PortFit assumed(const ModelPort& port) {
     PortFit fit;
-    fit.speed = port.speed() == SPEED_AUTO && !port.sends ? speedByCaches(port) : port.speed();
+    const bool hidden = port.speed() == SPEED_AUTO && !port.sends && port.media != MEDIA_NONE;
+    fit.speed = hidden ? speedByCaches(port) : port.speed();
     fit.medium = mediumOf(port);
     fit.length = mediumRow(fit.medium).typical;
     const bool silent = fit.speed == SPEED_AUTO && port.sends;

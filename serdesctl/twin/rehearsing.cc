@@ -114,7 +114,9 @@ class TwinRun {
     result.refused = std::move(rehearsed.refused);
     Refusals observer(result.refused);
     NoLog log;
-    (void)runSteps(immediate(std::move(rehearsed.steps)), true, tool_, observer, log);
+    const Script steps = immediate(std::move(rehearsed.steps));
+    (void)runSteps(steps, true, tool_, observer, log);
+    sortBySteps(result.refused, steps);
     const std::vector<Judged> judgedAfter = judged();
     result.changes = compare(before, capture(tool_, {}));
     result.changes.observations.clear();
@@ -127,6 +129,17 @@ class TwinRun {
  private:
   void select(std::uint32_t asic) {
     (void)askForOutput(tool_, "setAsicNum " + std::to_string(asic));
+  }
+
+  // Those without a command were told first, and stay there.
+  static void sortBySteps(std::vector<Refusal>& refused, const Script& steps) {
+    const auto index = [&](const Refusal& refusal) {
+      const auto found =
+          std::find_if(steps.begin(), steps.end(), [&](const Step& step) { return step.place() == refusal.place; });
+      return found == steps.end() ? -1 : found - steps.begin();
+    };
+    std::stable_sort(refused.begin(), refused.end(),
+                     [&](const Refusal& a, const Refusal& b) { return index(a) < index(b); });
   }
 
   // Nobody waits for a twin.
@@ -252,7 +265,7 @@ std::string jsonReport(const RehearsalResult& result, const Origin& origin) {
 
 std::string textReport(const RehearsalResult& result, bool colour) {
   std::string text = textDiff(result.changes, {"before", "rehearsed"}, colour);
-  if (text.empty()) text = "nothing would change\n";
+  if (text.empty()) text = "no setting would change\n";
   for (const Refusal& refusal : result.refused) {
     text += "refused: " + refusal.place + ": " + (refusal.command.empty() ? "" : refusal.command + ": ") +
             refusal.reason + "\n";

@@ -404,6 +404,7 @@ class Serdesctl(Installed):
             "share/serdesctl/jc/serdes.py",
             "share/serdesctl/examples/targets.toml",
             "share/doc/serdesctl/automation.md",
+            "share/doc/serdesctl/changing-settings.md",
             "share/doc/serdesctl/records.md",
         ):
             self.assertIn(f"/usr/{path}", files)
@@ -433,6 +434,25 @@ class Serdesctl(Installed):
         entries = [json.loads(line) for line in out.splitlines()]
         self.assertEqual([entry["command"].split()[0] for entry in entries[-2:]], ["setTxParams", "clearErrors"])
         self.assertTrue((ROOT / "var/lib/serdesctl/journal.jsonl").is_file())
+
+    def test_a_day_with_a_switch(self):
+        words = ("-t", "sim", "--state", "/root/lab/day.state")
+        save, lab, weak = (f"/root/lab/{name}" for name in ("save.json", "lab.toml", "weak.toml"))
+        self.assertEqual(self.ctl(*words, "save", "-o", save), (0, "", ""))
+        self.assertEqual(self.ctl(*words, "save", "--as-settings", "-o", lab), (0, "", ""))
+        self.assertEqual(self.ctl(*words, "run", "-", stdin="setRxParams NONE 6 0 0x4e 0\n")[0], 0)
+        self.assertEqual(self.ctl(*words, "plan", "--script", lab), (1, "setRxParams DFE3 6 4 78 0\n", ""))
+        status, out, err = self.ctl(*words, "apply", "--yes", "--guard", "1", lab)
+        self.assertEqual((status, out.count("verified")), (0, 1), err)
+        self.assertEqual(self.ctl(*words, "diff", save), (0, "", ""))
+        (ROOT / weak[1:]).write_text("[[settings]]\nports = 4\ntransmit = { k = 20 }\n", encoding="ascii")
+        status, out, err = self.ctl(*words, "rehearse", weak)
+        self.assertEqual((status, out.count("\nworse: ASIC 0 port 4: good -> ")), (1, 1), out + err)
+        status, out, err = self.ctl(*words, "apply", "--yes", "--guard", "1", weak)
+        self.assertEqual((status, err.count("rolled back, the switch is as before\n")), (1, 1), err)
+        self.assertEqual(self.ctl(*words, "diff", save), (0, "", ""))
+        self.assertEqual(self.ctl(*words, "undo", "--yes")[0], 0)
+        self.assertEqual(self.ctl(*words, "plan", "--script", lab), (1, "setRxParams DFE3 6 4 78 0\n", ""))
 
     def test_what_is_wrong_is_said_in_a_line(self):
         self.assertEqual(self.ctl("-t", "sim", "run", "-", stdin="bogus\n"), (2, "", "-:1: unknown command 'bogus'\n"))

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "display/name_tables.h"
+
 namespace serdesctl {
 namespace {
 
@@ -63,6 +65,18 @@ TEST(Description, LiveSettingsBesideTheCacheHaveAName) {
   EXPECT_NE(description.text.find("live = \"set"), std::string::npos) << description.text;
   EXPECT_TRUE(says(description, "power = 90"));
   EXPECT_EQ(description.notes, std::vector<std::string>());
+}
+
+TEST(Description, WithoutMediaAutoFindsNoSpeedWhoseCacheSaysTheLiveSettings) {
+  SwitchState state = onePort();
+  PortState& port = state.asics[0].ports[0];
+  port.configRate = "AUTO";
+  port.streamEnabled = false;
+  port.observed.media = mediaNames[MEDIA_NONE].name;
+  LiveTx& tx = port.tx.emplace_back();
+  static_cast<FfeValues&>(tx) = {"FFE2", 115, 0, 58, -8, 0};
+  const Description description = describe(state);
+  EXPECT_NE(description.text.find("live = \"set"), std::string::npos) << description.text;
 }
 
 TEST(Description, WhatTheDriverRefusesIsSaidByRegisters) {

@@ -526,6 +526,31 @@ TEST_F(Plans, EthernetLiveSettingsGoThroughTheCacheOfTheRunningRate) {
   EXPECT_EQ(reasons(true).size(), 1U);
 }
 
+TEST_F(Plans, ACacheThatTheReceiverRefusesDoesNotCarryItsEqualiserMode) {
+  PortState& port = current_.asics[0].ports[10];
+  port.rxCaches["8G"] = {.mode = 5, .p = {2, 0, 0, 0}};
+  port.rx[0].peak = 4;
+  want(10).rx[0].peak = 2;
+  EXPECT_EQ(commands(true),
+            (Lines{"setRxParamsRaw asic 8G 0 2 0 0 0 10", "setRate 8G 10", "setRxParamsRaw asic 8G 5 2 0 0 0 10"}));
+}
+
+TEST_F(Plans, BackToAutoWhereNoRateWasFoundLiveSettingsGoThroughTheRateThatIsSet) {
+  current_.asics[0].ports[3].txCaches = {{"4G", {.power = 9, .slew = 1, .mode = 1, .p = {0, 60, 0, 0}}},
+                                         {"8G", current_.asics[0].ports[3].txCaches["8G"]}};
+  PortState& wish = want(3);
+  wish.configRate = "AUTO";
+  wish.observed.runningRate = "INV";
+  wish.tx[0].ffeMode = "FFENone";
+  EXPECT_EQ(commands(true),
+            (Lines{"setTxParamsRaw asic 4G 115 2 0 -4 55 -25 0 3", "setTxParamsRaw asic 8G 115 2 0 -4 55 -25 0 3",
+                   "setRate 8G 3", "setRate AUTO 3", "setTxParamsRaw asic 4G 9 1 1 0 60 0 0 3",
+                   "setTxParamsRaw asic 8G 115 2 2 -4 55 -25 0 3"}));
+  EXPECT_EQ(reasons(true), Lines());
+  wish.tx[0].ffeMode = "FFE2";
+  EXPECT_EQ(commands(true), (Lines{"setRate AUTO 3", "setFFE FFE2 115 -4 55 -25 0 3"})) << "no way around is needed";
+}
+
 TEST_F(Plans, WhatTheToolHasNoWordsFor) {
   want(0).tx[0].slewUnnamed = true;
   want(1).tx[0].k = 300;
