@@ -356,7 +356,7 @@ void refuse(const std::vector<std::string>& problems) {
   if (problems.empty()) return;
   std::string text;
   for (const std::string& problem : problems)
-    text += (text.empty() ? "" : "\nserdesctl: ") + problem;
+    text += (text.empty() ? "" : "\n") + problem;
   throw UsageError(text);
 }
 

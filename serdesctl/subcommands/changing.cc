@@ -182,8 +182,8 @@ void askPerson(bool yes, std::size_t commands) {
 // Enter or y at the terminal, or serdesctl confirm elsewhere.
 bool waitForConfirmation(const OpenRun& run, TimePoint until) {
   const bool atTerminal = ::isatty(STDIN_FILENO) != 0;
-  say("waiting until " + run.record().confirmBy + " for a confirmation: " + (atTerminal ? "Enter here, or " : "") +
-      "serdesctl confirm " + run.record().run);
+  complain("waiting until " + run.record().confirmBy + " for a confirmation: " + (atTerminal ? "Enter here, or " : "") +
+           "serdesctl confirm " + run.record().run);
   while (Clock::now() < until) {
     if (run.isConfirmed()) return true;
     pollfd input = {.fd = atTerminal ? STDIN_FILENO : -1, .events = POLLIN, .revents = 0};
@@ -241,36 +241,32 @@ int report(const ChangeResult& result, const RunRecord& run) {
   const int failed = result.exitStatus != 0 ? result.exitStatus : int{kFailed};
   switch (result.state) {
     case RunState::kDone:
-      if (!result.besides.empty()) say("other settings have changed with it:\n" + lines(result.besides));
+      if (!result.besides.empty()) complain("other settings have changed with it:\n" + lines(result.besides));
       print("verified: run " + run.run + "\n");
       return kDone;
     case RunState::kDiffers:
       print("not as wanted:\n" + lines(result.remaining));
       return kFailed;
     case RunState::kRolledBack:
-      say(result.reason + ": rolled back, the switch is as before");
+      complain(result.reason + ": rolled back, the switch is as before");
       return failed;
     case RunState::kFailed:
-      say(result.reason + ": not all could be rolled back; " + wayBack(run) + " tries again:\n" +
-          lines(result.remaining) + unreadText(result.unread));
+      complain(result.reason + ": not all could be rolled back; " + wayBack(run) + " tries again:\n" +
+               lines(result.remaining) + unreadText(result.unread));
       return failed;
     default:
-      say(result.reason + "; what has been changed can be taken back: " + wayBack(run));
+      complain(result.reason + "; what has been changed can be taken back: " + wayBack(run));
       return failed;
   }
 }
 
 }  // namespace
 
-void say(const std::string& text) {
-  (void)writeAll(STDERR_FILENO, "serdesctl: " + text + (text.ends_with('\n') ? "" : "\n"));
-}
-
 OpenedSwitch::OpenedSwitch(const CommonOptions& options)
     : target(chosenTarget(options)), tool(target, Seconds(options.timeout)) {
   const CaptureChoice choice = {.asics = std::nullopt, .ports = {}, .registers = false, .statistics = false};
   now = {.state = capture(tool, choice), .origin = {.target = target.name, .time = utcTime(std::time(nullptr))}};
-  if (!now.state.unread.empty()) say("not all of the switch can be read:\n" + unreadText(now.state.unread));
+  if (!now.state.unread.empty()) complain("not all of the switch can be read:\n" + unreadText(now.state.unread));
 }
 
 Wish readWish(const std::string& file, const SwitchState& now, bool throughCache) {
@@ -338,13 +334,13 @@ int changeSwitch(OpenedSwitch& opened, const Options& options, const Wish& wish,
   askPerson(change.yes, wish.plan.steps.size());
 
   const std::string folder = openToWrite(journalFolder);
-  RunJournal journal(JournalFile(folder, say), opened.target.name, options.common.syslog);
+  RunJournal journal(JournalFile(folder, complain), opened.target.name, options.common.syslog);
   const RunRecord record = recordOf(journal, opened.target, what, undone);
   OpenRun run = openToWrite([&] { return OpenRun(folder, opened.target, record, opened.now); });
   // A reader that has left does not stop a change half way.
   const ChangeObserver observer = {
       .sending = [](const PlannedStep& step) { (void)writeAll(STDOUT_FILENO, step.command + "\n"); },
-      .saying = [](const std::string& text) { say(text); }};
+      .saying = complain};
   ChangeRequest request = {.wanted = wish.wanted,
                            .choice = {.throughCache = wish.throughCache},
                            .guard = {},

@@ -42,8 +42,6 @@ std::string planReport(const Plan& plan, const SwitchState& now);
 // What is impossible, a line each.
 std::string impossibleText(const Plan& plan);
 
-void say(const std::string& text);
-
 // Asks, sends and says how it ended; gives the exit status. `what` is for the history.
 int changeSwitch(OpenedSwitch& opened, const Options& options, const Wish& wish, const std::string& what,
                  const FoundRun* undone = nullptr);

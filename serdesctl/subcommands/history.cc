@@ -19,7 +19,7 @@ namespace {
 std::vector<FoundRun> chosenRuns(const Options& options) {
   std::vector<FoundRun> runs;
   for (const std::string& folder : journalFolders()) {
-    std::vector<FoundRun> found = findRuns(folder, say);
+    std::vector<FoundRun> found = findRuns(folder, complain);
     std::move(found.begin(), found.end(), std::back_inserter(runs));
   }
   const std::string& target = options.common.target.target;
@@ -96,7 +96,7 @@ int performConfirm(const Options& options) {
     } else if (run.isLeft()) {
       run.record.state = RunState::kKept;
       run.rewrite();
-      say("nobody waits for it any more: what run " + run.record.run + " has changed stays as it is");
+      complain("nobody waits for it any more: what run " + run.record.run + " has changed stays as it is");
     } else {
       throw UsageError("run " + run.record.run + " does not wait for a confirmation: " + ending(run));
     }
@@ -107,12 +107,12 @@ int performConfirm(const Options& options) {
 
 void warnOfRunsLeft(const Target& target) {
   for (const std::string& folder : journalFolders()) {
-    for (const FoundRun& run : findRuns(folder, target, say)) {
+    for (const FoundRun& run : findRuns(folder, target, complain)) {
       if (!run.isLeft()) continue;
       const RunRecord& r = run.record;
-      say("run " + r.run + " (" + r.what + ", by " + r.user + ") was interrupted after " + std::to_string(r.sent) +
-          " of " + std::to_string(r.steps) + " commands and counts as not confirmed: serdesctl undo " + r.run +
-          " leads back");
+      complain("run " + r.run + " (" + r.what + ", by " + r.user + ") was interrupted after " + std::to_string(r.sent) +
+               " of " + std::to_string(r.steps) + " commands and counts as not confirmed: serdesctl undo " + r.run +
+               " leads back");
     }
   }
 }

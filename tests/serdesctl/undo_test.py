@@ -77,6 +77,11 @@ class Undoing(ChangingTest):
         self.must("undo", "--yes", self.history()[0]["run"])
         self.assertEqual(self.differences(start), "")
 
+    def test_a_state_file_that_was_not_there_before_the_run(self) -> None:
+        words = [*self.words[:2], "--state", "fresh.state"]
+        for done in (("apply", "--yes", self.script(FIRST, "lab.toml")), ("undo", "--yes")):
+            self.assertEqual(self.ctl(*words, *done, cwd=self.folder).status, 0, done)
+
     def test_unknown_runs(self) -> None:
         self.assertEqual(self.do("undo", "nothing").status, 2)
         self.assertEqual(self.ctl("confirm", "nothing").status, 2)
