@@ -8,6 +8,7 @@
 #include <ctime>
 #include <exception>
 #include <memory>
+#include <sstream>
 #include <utility>
 
 #include "serdesctl/apply/guard.h"
@@ -163,8 +164,9 @@ ChangeResult Changer::change(const Plan& plan, const ChangeRequest& request) {
     return end(rollBack(error.what()));
   } catch (const WriteError& error) {
     // Nothing is changed where that cannot be written down.
-    if (run_.record().sent == 0) throw UsageError(error.what());
-    return end(rollBack(error.what()));
+    if (run_.record().sent != 0) return end(rollBack(error.what()));
+    run_.discard();
+    throw UsageError(std::string(error.what()) + ": nothing was sent");
   } catch (const Error& error) {
     ChangeResult result = {.state = RunState::kInterrupted, .reason = error.what()};
     if (!tool_.isBroken()) result = rollBack(error.what());
@@ -211,19 +213,31 @@ void Changer::send(const PlannedStep& step) {
     if (announced) journal_.lost(error.what());
     throw;
   }
-  if (announced) journal_.answered(answer.status);
+  if (announced) (void)writeDown([&] { journal_.answered(answer.status); });
   if (answer.status != CMD_OK) throw RefusedError(step.command, answer);
 }
 
-// Writes down what is about to be sent. Only a way back goes on without: that is safer than to stop half way.
+// Writes down what is about to be sent; whether the journal waits for an answer now.
 bool Changer::announce(const PlannedStep& step) {
+  const bool intended = writeDown([&] { journal_.intend(step.command, changesText(step.changes)); });
   try {
-    run_.sendNext();
-    journal_.intend(step.command, changesText(step.changes));
+    (void)writeDown([&] { run_.sendNext(); });
+  } catch (const WriteError&) {
+    journal_.dropRest();
+    throw;
+  }
+  return intended;
+}
+
+// Only a way back goes on where something cannot be written down: that is safer than to stop half way.
+bool Changer::writeDown(const std::function<void()>& write) {
+  try {
+    write();
     return true;
   } catch (const WriteError& error) {
     if (!rollingBack_) throw;
-    observer_.saying(error.what());
+    if (unwritten_ != error.what()) observer_.saying(error.what());
+    unwritten_ = error.what();
     return false;
   }
 }
@@ -301,7 +315,9 @@ ChangeResult Changer::verify(const Plan& plan, const ChangeRequest& request) {
 // What may still be rolled back: a port gets worse, or nobody confirms.
 void Changer::watch(const ChangeRequest& request, Guard* guard) {
   if (guard != nullptr) {
-    observer_.saying("watching for " + std::to_string(static_cast<int>(request.guard->count())) + " s");
+    std::ostringstream seconds;
+    seconds << request.guard->count();
+    observer_.saying("watching for " + seconds.str() + " s");
     asic_.reset();
     const std::string worse = guard->watch(*request.guard);
     if (!worse.empty()) throw RollBack(worse);
@@ -327,11 +343,7 @@ SwitchState Changer::readAsFarAsPossible() {
 
 void Changer::rollBackOnce(const SwitchState& actual) {
   const Plan back = makePlan(actual, before_, {.throughCache = true});
-  try {
-    add(back.steps);
-  } catch (const WriteError& error) {
-    observer_.saying(error.what());  // going back is safer than standing still
-  }
+  (void)writeDown([&] { add(back.steps); });
   for (const PlannedStep& step : back.steps) {
     try {
       send(step);
@@ -346,6 +358,7 @@ ChangeResult Changer::rollBack(const std::string& reason) {
   observer_.saying(reason + ": rolling back");
   rollingBack_ = true;
   forgetSignal();
+  (void)writeDown([&] { run_.stopWaiting(); });
   ChangeResult result = {.state = RunState::kRolledBack, .reason = reason};
   try {
     SwitchState actual = readAsFarAsPossible();

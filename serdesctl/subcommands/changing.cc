@@ -2,6 +2,7 @@
 #include "serdesctl/subcommands/changing.h"
 
 #include <poll.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -166,6 +167,11 @@ bool isYes(const std::string& typed, bool emptyToo) {
   return typed.starts_with('y') || typed.starts_with('Y') || (emptyToo && typed.starts_with('\n'));
 }
 
+// What was typed before a question is no answer to it.
+void forgetWhatWasTyped() {
+  (void)::tcflush(STDIN_FILENO, TCIFLUSH);
+}
+
 std::string typedLine() {
   pollfd input = {.fd = STDIN_FILENO, .events = POLLIN, .revents = 0};
   if (waitUntil({&input}, after(Seconds(86400))) != Wakeup::kReady) throwIfInterrupted();
@@ -175,6 +181,7 @@ std::string typedLine() {
 void askPerson(bool yes, std::size_t commands) {
   if (yes) return;
   if (::isatty(STDIN_FILENO) == 0) throw UsageError("nobody can be asked: without a terminal, --yes says yes");
+  forgetWhatWasTyped();
   (void)writeAll(STDERR_FILENO, "Send " + commandCount(commands) + "? [y/N] ");
   if (!isYes(typedLine(), false)) throw UsageError("nothing was sent");
 }
@@ -182,6 +189,7 @@ void askPerson(bool yes, std::size_t commands) {
 // Enter or y at the terminal, or serdesctl confirm elsewhere.
 bool waitForConfirmation(const OpenRun& run, TimePoint until) {
   const bool atTerminal = ::isatty(STDIN_FILENO) != 0;
+  forgetWhatWasTyped();
   complain("waiting until " + run.record().confirmBy + " for a confirmation: " + (atTerminal ? "Enter here, or " : "") +
            "serdesctl confirm " + run.record().run);
   while (Clock::now() < until) {

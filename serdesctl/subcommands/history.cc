@@ -8,12 +8,16 @@
 
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/output.h"
+#include "serdesctl/base/waiting.h"
 #include "serdesctl/formats/json_object.h"
 #include "serdesctl/journal/journal_file.h"
 #include "serdesctl/subcommands/changing.h"
 
 namespace serdesctl {
 namespace {
+
+constexpr Seconds kBetweenLooks{0.1};
+constexpr Seconds kTakesNote{10};
 
 // Of all targets, or of the one that is named.
 std::vector<FoundRun> chosenRuns(const Options& options) {
@@ -75,6 +79,25 @@ int show(const std::vector<FoundRun>& runs, bool asJson) {
   return kDone;
 }
 
+// Whether it came in time, only the process that waits can tell.
+void confirm(FoundRun run) {
+  run.confirm();
+  const TimePoint limit = after(kTakesNote);
+  while (run.record.state == RunState::kWaiting) {
+    if (Clock::now() >= limit) throw TimeoutError("run " + run.record.run + " has not taken note of it");
+    sleepUntil(after(kBetweenLooks));
+    run = run.again();
+  }
+  if (run.record.state == RunState::kDone || run.record.state == RunState::kDiffers) return;
+  throw UsageError("too late: run " + run.record.run + " is rolled back: " + ending(run));
+}
+
+void keep(FoundRun run) {
+  run.record.state = RunState::kKept;
+  run.rewrite();
+  complain("nobody waits for it any more: what run " + run.record.run + " has changed stays as it is");
+}
+
 }  // namespace
 
 int performHistory(const Options& options) {
@@ -89,14 +112,12 @@ int performPending(const Options& options) {
 }
 
 int performConfirm(const Options& options) {
-  for (FoundRun& run : chosenRuns(options)) {
+  for (const FoundRun& run : chosenRuns(options)) {
     if (run.record.run != options.change.run) continue;
     if (run.record.state == RunState::kWaiting) {
-      run.confirm();
+      confirm(run);
     } else if (run.isLeft()) {
-      run.record.state = RunState::kKept;
-      run.rewrite();
-      complain("nobody waits for it any more: what run " + run.record.run + " has changed stays as it is");
+      keep(run);
     } else {
       throw UsageError("run " + run.record.run + " does not wait for a confirmation: " + ending(run));
     }
