@@ -19,15 +19,16 @@ namespace {
 constexpr Seconds kBetweenLooks{0.1};
 constexpr Seconds kTakesNote{10};
 
-// Of all targets, or of the one that is named.
+// Of all targets, or of the one that is named; of simulated switches the one that its state file keeps.
 std::vector<FoundRun> chosenRuns(const Options& options) {
+  const TargetWords& words = options.common.target;
   std::vector<FoundRun> runs;
   for (const std::string& folder : journalFolders()) {
-    std::vector<FoundRun> found = findRuns(folder, complain);
+    std::vector<FoundRun> found =
+        words.state.empty() ? findRuns(folder, complain) : findRuns(folder, findTarget(words), complain);
     std::move(found.begin(), found.end(), std::back_inserter(runs));
   }
-  const std::string& target = options.common.target.target;
-  std::erase_if(runs, [&](const FoundRun& run) { return !target.empty() && run.record.target != target; });
+  std::erase_if(runs, [&](const FoundRun& run) { return !words.target.empty() && run.record.target != words.target; });
   std::stable_sort(runs.begin(), runs.end(),
                    [](const auto& a, const auto& b) { return a.record.time < b.record.time; });
   return runs;
@@ -126,14 +127,21 @@ int performConfirm(const Options& options) {
   throw UsageError("no run " + options.change.run);
 }
 
-void warnOfRunsLeft(const Target& target) {
+std::string commandFor(const TargetWords& words, const std::string& subcommand) {
+  std::string command = "serdesctl ";
+  if (!words.target.empty()) command += "-t " + words.target + " ";
+  if (!words.state.empty()) command += "--state " + words.state + " ";
+  return command + subcommand;
+}
+
+void warnOfRunsLeft(const Target& target, const TargetWords& words) {
   for (const std::string& folder : journalFolders()) {
     for (const FoundRun& run : findRuns(folder, target, complain)) {
       if (!run.isLeft()) continue;
       const RunRecord& r = run.record;
       complain("run " + r.run + " (" + r.what + ", by " + r.user + ") was interrupted after " + std::to_string(r.sent) +
-               " of " + std::to_string(r.steps) + " commands and counts as not confirmed: serdesctl undo " + r.run +
-               " leads back");
+               " of " + std::to_string(r.steps) +
+               " commands and counts as not confirmed: " + commandFor(words, "undo " + r.run) + " leads back");
     }
   }
 }
