@@ -356,9 +356,8 @@ class GuardAndConfirmation(ChangingTest):
 
     def test_confirmed_too_late(self) -> None:
         go = self.folder / "go"
-        self.before_each_line(
-            f"sent += line.startswith('setFFE')\n    while sent > 1 and not os.path.exists({str(go)!r}): time.sleep(0.02)"
-        )
+        late = f"sent > 1 and not os.path.exists({str(go)!r})"
+        self.before_each_line(f"sent += line.startswith('setFFE')\n    while {late}: time.sleep(0.02)")
         file = self.script('[[settings]]\nports = "4"\ntransmit = { k = 110 }\n', "lab.toml")
         process = self.start(*self.words, "apply", "--yes", "--confirm", "0.1", file)
         assert process.stderr
