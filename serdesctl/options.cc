@@ -1,9 +1,12 @@
 // The command line, by CLI11.
 #include "serdesctl/options.h"
 
+#include <algorithm>
 #include <array>
+#include <functional>
 #include <memory>
 #include <span>
+#include <sstream>
 
 #include <CLI/CLI.hpp>
 
@@ -18,6 +21,32 @@ namespace {
 
 constexpr double kLongestSeconds = 86400;
 
+// CLI11's validators, which the help is made from; they judge otherwise, and name the value and what is allowed.
+CLI::Validator judging(CLI::Validator validator, const std::function<bool(const std::string&)>& isRight,
+                       const std::string& allowed) {
+  validator.operation(
+      [=](const std::string& word) { return isRight(word) ? std::string() : "'" + word + "' is " + allowed; });
+  return validator;
+}
+
+template <typename Number>
+CLI::Validator numberIn(Number lowest, Number highest) {
+  const auto isRight = [=](const std::string& word) {
+    Number number{};
+    return CLI::detail::lexical_cast(word, number) && lowest <= number && number <= highest;
+  };
+  std::ostringstream allowed;
+  allowed << "no number from " << lowest << " to " << highest;
+  return judging(CLI::Range(lowest, highest), isRight, allowed.str());
+}
+
+CLI::Validator oneOf(const std::vector<std::string>& words) {
+  const auto isRight = [=](const std::string& word) {
+    return std::find(words.begin(), words.end(), word) != words.end();
+  };
+  return judging(CLI::IsMember(words), isRight, "none of " + CLI::detail::join(words, ", "));
+}
+
 void addCommonOptions(CLI::App& app, CommonOptions& common) {
   app.add_option(
          "-t,--target", common.target.target,
@@ -27,11 +56,11 @@ void addCommonOptions(CLI::App& app, CommonOptions& common) {
   app.add_option("--state", common.target.state, "Keep the simulated switch in FILE")->type_name("FILE");
   app.add_option("--timeout", common.timeout, "Wait this long for an answer")
       ->type_name("SECONDS")
-      ->check(CLI::Range(0.001, kLongestSeconds))
+      ->check(numberIn(0.001, kLongestSeconds))
       ->capture_default_str();
   app.add_option("--wait-lock", common.waitForLock, "Wait this long for others to leave the switch")
       ->type_name("SECONDS")
-      ->check(CLI::Range(0.0, kLongestSeconds))
+      ->check(numberIn(0.0, kLongestSeconds))
       ->capture_default_str();
   app.add_flag("--syslog", common.syslog, "Copy the journal's entries to syslog");
 }
@@ -79,7 +108,7 @@ void addShowOptions(CLI::App& app, Options& options) {
   app.add_option("COMMAND", show.command, "A command that shows something, with its words: showTxParams 0-3")
       ->required()
       ->take_all();
-  app.add_option("--asic", show.asic, "Of this ASIC")->type_name("NUMBER")->check(CLI::Range(0, 1));
+  app.add_option("--asic", show.asic, "Of this ASIC")->type_name("NUMBER")->check(numberIn(0, 1));
   CLI::Option* const json = app.add_flag("--json", show.json, "As one JSON object, the default but at a terminal");
   CLI::Option* const csv = app.add_flag("--csv", show.csv, "As a line of names and a line per record")->excludes(json);
   app.add_flag("--text", show.text, "As the tool prints it, the default at a terminal")->excludes(json)->excludes(csv);
@@ -91,7 +120,9 @@ void addParseOptions(CLI::App& app, Options& options) {
       ->take_all();
   app.add_option("--config", parse.config, "The answer to showConfig, which may stand in a log, for tables of a switch")
       ->type_name("FILE");
-  app.add_option("--asic", parse.asic, "The ASIC that is current where the text begins")->type_name("NUMBER");
+  app.add_option("--asic", parse.asic, "The ASIC that is current where the text begins")
+      ->type_name("NUMBER")
+      ->check(numberIn(0, 1));
   app.add_flag("--csv", parse.csv, "A line of names and a line per record, instead of a JSON object per answer");
 }
 
@@ -100,10 +131,10 @@ void addHealthOptions(CLI::App& app, Options& options) {
   app.add_option("PORTS", health.ports, "A port list: gl, 0-3 8; without it all ports of all ASICs")->take_all();
   app.add_option("--asic", health.asic, "Of this ASIC; PORTS are of ASIC 0 unless told")
       ->type_name("NUMBER")
-      ->check(CLI::Range(0, 1));
+      ->check(numberIn(0, 1));
   app.add_option("--interval", health.interval, "Look twice, so far apart, and tell errors a second")
       ->type_name("SECONDS")
-      ->check(CLI::Range(0.001, kLongestSeconds));
+      ->check(numberIn(0.001, kLongestSeconds));
   app.add_flag("--clear", health.clear, "Clear the ports' error counters first, which the journal tells");
   app.add_flag("--json", health.json, "Print one JSON object");
 }
@@ -114,7 +145,7 @@ void addSaveOptions(CLI::App& app, Options& options) {
       ->type_name("FILE");
   app.add_option("--ports", save.ports, "These ports alone: gl, 1-5,7")->type_name("LIST");
   app.add_option("--asic", save.asic, "Of this ASIC; without it all, and where ports are named ASIC 0")
-      ->check(CLI::IsMember({"0", "1", "all"}));
+      ->check(oneOf({"0", "1", "all"}));
   CLI::Option* const registers = app.add_flag("--registers", save.registers, "The registers too");
   app.add_flag("--as-settings", save.asSettings, "As a settings file, grouped for people")->excludes(registers);
 }
@@ -148,10 +179,10 @@ void addChangeOptions(CLI::App& app, ChangeOptions& change) {
   app.add_flag("--partial", change.partial, "Do what can be done where not all can");
   app.add_option("--guard", change.guard, "Watch the ports so long, and roll back if one gets worse")
       ->type_name("SECONDS")
-      ->check(CLI::Range(0.1, kLongestSeconds));
+      ->check(numberIn(0.1, kLongestSeconds));
   app.add_option("--confirm", change.confirm, "Roll back unless somebody confirms in this time")
       ->type_name("SECONDS")
-      ->check(CLI::Range(0.1, kLongestSeconds));
+      ->check(numberIn(0.1, kLongestSeconds));
 }
 
 void addApplyOptions(CLI::App& app, Options& options) {
@@ -168,7 +199,7 @@ void addRestoreOptions(CLI::App& app, Options& options) {
   app.add_option("--ports", options.change.ports, "These ports alone: gl, 1-5,7")->type_name("LIST");
   app.add_option("--asic", options.change.asic, "Of this ASIC; LIST is of ASIC 0 unless told")
       ->type_name("NUMBER")
-      ->check(CLI::Range(0, 1));
+      ->check(numberIn(0, 1));
   app.add_flag("--through-cache", options.change.throughCache, kThroughCacheHelp);
   addChangeOptions(app, options.change);
 }
@@ -326,6 +357,10 @@ std::unique_ptr<CLI::App> buildApp(std::span<const Subcommand> rows, Options& op
 // CLI11's own words for a word too many do not name it.
 [[noreturn]] void refuse(const CLI::App& app, const CLI::ParseError& error) {
   const auto unknown = app.remaining(true);
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+    const std::string what = error.what();
+    throw UsageError(what.substr(0, what.find(':')) + ": its value is missing");
+  }
   if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr || unknown.empty()) throw UsageError(error.what());
   const bool isOption = unknown[0].size() > 1 && unknown[0][0] == '-';
   throw UsageError(std::string("unknown ") + (isOption ? "option" : "word") + " '" + unknown[0] + "'");

@@ -8,8 +8,10 @@
 #include <ctime>
 #include <exception>
 #include <memory>
+#include <sstream>
 #include <utility>
 
+#include "serdesctl/apply/filling_in.h"
 #include "serdesctl/apply/guard.h"
 #include "serdesctl/asking/asked_switch.h"
 #include "serdesctl/base/errors.h"
@@ -64,54 +66,6 @@ std::string changesText(const std::vector<Difference>& changes) {
   return list.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-// What could not be read is taken to be as predicted.
-template <typename Value>
-void fillIn(std::optional<Value>& known, const std::optional<Value>& predicted) {
-  if (!known) known = predicted;
-}
-
-template <typename List>
-void fillInMissing(List& known, const List& predicted) {
-  if (known.size() < predicted.size()) known = predicted;
-}
-
-void fillIn(PortState& known, const PortState& predicted) {
-  fillIn(known.configRate, predicted.configRate);
-  fillIn(known.streamEnabled, predicted.streamEnabled);
-  fillIn(known.observed.runningRate, predicted.observed.runningRate);
-  fillInMissing(known.tx, predicted.tx);
-  fillInMissing(known.rx, predicted.rx);
-  for (std::size_t i = 0; i < predicted.tx.size(); ++i) {
-    if (!known.tx[i].ffeMode) static_cast<FfeValues&>(known.tx[i]) = predicted.tx[i];
-    if (known.tx[i].slewPs || known.tx[i].slewUnnamed) continue;
-    known.tx[i].slewPs = predicted.tx[i].slewPs;
-    known.tx[i].slewUnnamed = predicted.tx[i].slewUnnamed;
-  }
-  for (std::size_t i = 0; i < predicted.rx.size(); ++i) {
-    fillIn(known.rx[i].dfeMode, predicted.rx[i].dfeMode);
-    if (!known.rx[i].pole) static_cast<VgaValues&>(known.rx[i]) = predicted.rx[i];
-  }
-  known.txCaches.insert(predicted.txCaches.begin(), predicted.txCaches.end());
-  known.rxCaches.insert(predicted.rxCaches.begin(), predicted.rxCaches.end());
-}
-
-void fillIn(SwitchState& known, const SwitchState& predicted) {
-  for (const AsicState& asic : predicted.asics) {
-    AsicState* const found = findAsic(known, asic.asic);
-    if (found == nullptr) {
-      known.asics.push_back(asic);
-      continue;
-    }
-    for (const PortState& port : asic.ports) {
-      if (PortState* const same = findPort(*found, port.port)) {
-        fillIn(*same, port);
-      } else {
-        found->ports.push_back(port);
-      }
-    }
-  }
-}
-
 // Ports do not turn into others: an ASIC that reads so has not been read.
 void setAsideStrangeAsics(const SwitchState& before, SwitchState& state) {
   for (const Difference& d : compare(before, state).hardware) {
@@ -163,8 +117,9 @@ ChangeResult Changer::change(const Plan& plan, const ChangeRequest& request) {
     return end(rollBack(error.what()));
   } catch (const WriteError& error) {
     // Nothing is changed where that cannot be written down.
-    if (run_.record().sent == 0) throw UsageError(error.what());
-    return end(rollBack(error.what()));
+    if (run_.record().sent != 0) return end(rollBack(error.what()));
+    run_.discard();
+    throw UsageError(std::string(error.what()) + ": nothing was sent");
   } catch (const Error& error) {
     ChangeResult result = {.state = RunState::kInterrupted, .reason = error.what()};
     if (!tool_.isBroken()) result = rollBack(error.what());
@@ -211,19 +166,31 @@ void Changer::send(const PlannedStep& step) {
     if (announced) journal_.lost(error.what());
     throw;
   }
-  if (announced) journal_.answered(answer.status);
+  if (announced) (void)writeDown([&] { journal_.answered(answer.status); });
   if (answer.status != CMD_OK) throw RefusedError(step.command, answer);
 }
 
-// Writes down what is about to be sent. Only a way back goes on without: that is safer than to stop half way.
+// Writes down what is about to be sent; whether the journal waits for an answer now.
 bool Changer::announce(const PlannedStep& step) {
+  const bool intended = writeDown([&] { journal_.intend(step.command, changesText(step.changes)); });
   try {
-    run_.sendNext();
-    journal_.intend(step.command, changesText(step.changes));
+    (void)writeDown([&] { run_.sendNext(); });
+  } catch (const WriteError&) {
+    journal_.dropRest();
+    throw;
+  }
+  return intended;
+}
+
+// Only a way back goes on where something cannot be written down: that is safer than to stop half way.
+bool Changer::writeDown(const std::function<void()>& write) {
+  try {
+    write();
     return true;
   } catch (const WriteError& error) {
     if (!rollingBack_) throw;
-    observer_.saying(error.what());
+    if (unwritten_ != error.what()) observer_.saying(error.what());
+    unwritten_ = error.what();
     return false;
   }
 }
@@ -301,7 +268,9 @@ ChangeResult Changer::verify(const Plan& plan, const ChangeRequest& request) {
 // What may still be rolled back: a port gets worse, or nobody confirms.
 void Changer::watch(const ChangeRequest& request, Guard* guard) {
   if (guard != nullptr) {
-    observer_.saying("watching for " + std::to_string(static_cast<int>(request.guard->count())) + " s");
+    std::ostringstream seconds;
+    seconds << request.guard->count();
+    observer_.saying("watching for " + seconds.str() + " s");
     asic_.reset();
     const std::string worse = guard->watch(*request.guard);
     if (!worse.empty()) throw RollBack(worse);
@@ -327,11 +296,7 @@ SwitchState Changer::readAsFarAsPossible() {
 
 void Changer::rollBackOnce(const SwitchState& actual) {
   const Plan back = makePlan(actual, before_, {.throughCache = true});
-  try {
-    add(back.steps);
-  } catch (const WriteError& error) {
-    observer_.saying(error.what());  // going back is safer than standing still
-  }
+  (void)writeDown([&] { add(back.steps); });
   for (const PlannedStep& step : back.steps) {
     try {
       send(step);
@@ -346,6 +311,7 @@ ChangeResult Changer::rollBack(const std::string& reason) {
   observer_.saying(reason + ": rolling back");
   rollingBack_ = true;
   forgetSignal();
+  (void)writeDown([&] { run_.stopWaiting(); });
   ChangeResult result = {.state = RunState::kRolledBack, .reason = reason};
   try {
     SwitchState actual = readAsFarAsPossible();

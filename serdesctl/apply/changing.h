@@ -59,6 +59,7 @@ class Changer {
   void add(const std::vector<PlannedStep>& steps);
   void send(const PlannedStep& step);
   bool announce(const PlannedStep& step);
+  bool writeDown(const std::function<void()>& write);
   Answer ask(const std::string& command);
   void select(std::uint32_t asic);
   SwitchState read();
@@ -79,6 +80,7 @@ class Changer {
   ChangeObserver observer_;
   std::optional<std::uint32_t> asic_ = 0;  // the current one, as far as that is known
   bool rollingBack_ = false;
+  std::string unwritten_;  // why something could not be written down, as it was said last
 };
 
 }  // namespace serdesctl

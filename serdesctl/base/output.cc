@@ -40,7 +40,13 @@ void Output::flush() {
 }
 
 void complain(const std::string& what) {
-  (void)writeAll(STDERR_FILENO, "serdesctl: " + what + "\n");
+  std::string text;
+  for (std::size_t begin = 0; begin < what.size() || begin == 0;) {
+    const std::size_t end = std::min(what.find('\n', begin), what.size());
+    text += "serdesctl: " + what.substr(begin, end - begin) + "\n";
+    begin = end + 1;
+  }
+  (void)writeAll(STDERR_FILENO, text);
 }
 
 }  // namespace serdesctl

@@ -21,7 +21,7 @@ class Output {
   std::string waiting_;
 };
 
-// A line on standard error: "serdesctl: WHAT". Nobody can be told when that fails.
+// On standard error, "serdesctl: " before each line of it. Nobody can be told when that fails.
 void complain(const std::string& what);
 
 }  // namespace serdesctl

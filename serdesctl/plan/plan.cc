@@ -11,6 +11,7 @@
 #include "serdesctl/plan/places.h"
 #include "serdesctl/plan/port_planning.h"
 #include "serdesctl/session/conversation.h"
+#include "serdesctl/tables/config_records.h"
 #include "shell/command_reader.h"
 #include "topology/serdes_topology.h"
 
@@ -20,22 +21,14 @@ namespace {
 // Operations of one command, on ports of one type: the tool refuses others together.
 struct Group {
   Operation like;
-  std::uint32_t portType = 0;
+  std::optional<std::string> portType;
   std::vector<Operation> operations;  // by port
 };
-
-std::uint32_t portType(const ConfigText& config, std::uint32_t port) {
-  const std::array masks = {config.glPorts, config.xgPorts, config.exgPorts};
-  for (std::uint32_t type = 0; type < masks.size(); ++type) {
-    if ((masks[type] >> port & 1) != 0) return type + 1;
-  }
-  return 0;
-}
 
 std::vector<Group> grouped(const ConfigText& config, const std::vector<Operation>& operations) {
   std::vector<Group> groups;
   for (const Operation& operation : operations) {
-    const std::uint32_t type = portType(config, operation.port);
+    const auto type = portTypeOf(config, operation.port);
     auto group = std::find_if(groups.begin(), groups.end(), [&](const Group& g) {
       return g.like.phase == operation.phase && g.like.words == operation.words && g.portType == type;
     });

@@ -33,18 +33,12 @@ struct Range {
 constexpr Range kByte = {0, 255};
 constexpr Range kSignedByte = {-128, 127};
 
-std::string listed(const std::vector<std::string>& words) {
-  std::string text;
-  for (const std::string& word : words)
-    text += (text.empty() ? "" : ", ") + word;
-  return text;
-}
-
 std::vector<std::string> namesOf(std::span<const ValueName> names, const char* ValueName::*which = &ValueName::name) {
   std::vector<std::string> words;
   words.reserve(names.size());
-  for (const ValueName& name : names)
-    words.emplace_back(name.*which);
+  for (const ValueName& name : names) {
+    if (std::find(words.begin(), words.end(), name.*which) == words.end()) words.emplace_back(name.*which);
+  }
   return words;
 }
 
@@ -85,6 +79,13 @@ std::optional<std::set<std::uint32_t>> numbersOf(std::string_view text, std::uin
   }
 }
 
+// What stands there, for a message.
+std::string shown(const toml::node& node) {
+  if (const auto text = node.value_exact<std::string>()) return "'" + *text + "' is ";
+  if (const auto number = node.value_exact<std::int64_t>()) return std::to_string(*number) + " is ";
+  return "this is ";
+}
+
 // A table of the file. What is read of it is taken note of: the rest is unknown.
 class TableReader {
  public:
@@ -114,8 +115,9 @@ class TableReader {
     if (found && range.lowest <= *found && *found <= range.highest) {
       value = static_cast<std::int32_t>(*found);
     } else {
-      complain(*node, key,
-               "not a number from " + std::to_string(range.lowest) + " to " + std::to_string(range.highest));
+      complain(
+          *node, key,
+          shown(*node) + "no number from " + std::to_string(range.lowest) + " to " + std::to_string(range.highest));
     }
   }
 
@@ -124,7 +126,7 @@ class TableReader {
     if (node == nullptr) return;
     const auto word = node->value_exact<std::string>();
     value = word ? findName(names, *word) : std::nullopt;
-    if (!value) complain(*node, key, "none of " + listed(names));
+    if (!value) complain(*node, key, shown(*node) + "none of " + listed(names));
   }
 
   // One name, or a list of them. Any text where no names are given.
@@ -144,7 +146,7 @@ class TableReader {
     const toml::node* const node = find(key);
     if (node == nullptr) return;
     value = node->value_exact<bool>();
-    if (!value) complain(*node, key, "neither true nor false");
+    if (!value) complain(*node, key, shown(*node) + "neither true nor false");
   }
 
   void numbers(const char* key, std::uint32_t most, std::set<std::uint32_t>& values) {
@@ -155,7 +157,7 @@ class TableReader {
     if (const auto found = numbersOf(text, most)) {
       values = *found;
     } else {
-      complain(*node, key, "no list of numbers up to " + std::to_string(most) + " as \"1-5,7\"");
+      complain(*node, key, shown(*node) + "no list of numbers up to " + std::to_string(most) + " as \"1-5,7\"");
     }
   }
 
@@ -163,11 +165,15 @@ class TableReader {
   const toml::table* table(const char* key) {
     const toml::node* const node = find(key);
     if (node == nullptr) return nullptr;
-    if (!node->is_table()) complain(*node, key, "not a table such as { " + std::string("... }"));
+    if (!node->is_table()) complain(*node, key, shown(*node) + "no table such as { ... }");
     return node->as_table();
   }
 
-  // To be called when all that may be there has been looked for.
+  // To be called when all that may be there has been looked for, of a table within.
+  void finish() const {
+    if (table_.empty()) complain(prefix_.substr(0, prefix_.size() - 1) + ": empty: none of " + listed(known_));
+    refuseUnknown();
+  }
   void refuseUnknown() const {
     for (const auto& [key, value] : table_) {
       if (std::find(known_.begin(), known_.end(), key.str()) != known_.end()) continue;
@@ -183,7 +189,7 @@ class TableReader {
     if (found) {
       values.insert(*found);
     } else {
-      complain(node, key, names.empty() ? "not a text" : "none of " + listed(names));
+      complain(node, key, shown(node) + (names.empty() ? "no text" : "none of " + listed(names)));
     }
   }
 
@@ -252,7 +258,8 @@ class EntryReader {
     if (reader_.has("to") && !hasLinkSettings()) reader_.complain("to: there is no transmit, receive or ethernet here");
     if (!reader_.has("ethernet")) return;
     if (!reader_.has("to")) reader_.complain("ethernet: to is missing: it names the rates whose caches are meant");
-    if (entry_.live) reader_.complain("to: only caches of ethernet ports can be set, not \"live\"");
+    if (!entry_.live) return;
+    reader_.complain(*table_.get("to"), "to", "'live' is none of the caches, which alone can be set of ethernet ports");
   }
 
   bool hasLinkSettings() const {
@@ -274,12 +281,13 @@ class EntryReader {
     reader.number("c3", range(kSignedByte), tx.c3);
     reader.number("slew", {}, tx.slewPs);
     if (tx.slewPs) checkSlew(reader, *table.get("slew"), *tx.slewPs);
-    finish(reader, table);
+    reader.finish();
   }
 
   static void checkSlew(const TableReader& reader, const toml::node& node, std::int32_t slewPs) {
     const std::vector<std::string> allowed = namesOf(slewRateNames, &ValueName::shortName);
-    if (!findName(allowed, std::to_string(slewPs))) reader.complain(node, "slew", "none of " + listed(allowed));
+    if (!findName(allowed, std::to_string(slewPs)))
+      reader.complain(node, "slew", shown(node) + "none of " + listed(allowed));
   }
 
   void readReceive(const toml::table& table) {
@@ -289,7 +297,7 @@ class EntryReader {
     reader.number("pole", range(kSignedByte), rx.pole);
     reader.number("peak", range(kSignedByte), rx.peak);
     reader.number("amax", range(kSignedByte), rx.amax);
-    finish(reader, table);
+    reader.finish();
   }
 
   void readEthernet(const toml::table& table) {
@@ -299,12 +307,7 @@ class EntryReader {
     reader.number("pre_emphasis", {}, ethernet.preEmphasis);
     reader.number("cdr_mode", {}, ethernet.cdrMode);
     reader.number("eq_mode", {}, ethernet.eqMode);
-    finish(reader, table);
-  }
-
-  static void finish(const TableReader& reader, const toml::table& table) {
-    if (table.empty()) reader.complain("an empty table");
-    reader.refuseUnknown();
+    reader.finish();
   }
 
   const toml::table& table_;
@@ -356,7 +359,7 @@ void refuse(const std::vector<std::string>& problems) {
   if (problems.empty()) return;
   std::string text;
   for (const std::string& problem : problems)
-    text += (text.empty() ? "" : "\nserdesctl: ") + problem;
+    text += (text.empty() ? "" : "\n") + problem;
   throw UsageError(text);
 }
 

@@ -62,6 +62,15 @@ struct SettingsFile {
 SettingsFile readSettings(const std::string& fileName);
 SettingsFile parseSettings(const std::string& text, const std::string& name);
 
+// "A, B, C"
+template <typename Words>
+std::string listed(const Words& words) {
+  std::string text;
+  for (const std::string& word : words)
+    text += (text.empty() ? "" : ", ") + word;
+  return text;
+}
+
 // Throws UsageError with all of the problems, if there are any.
 void refuse(const std::vector<std::string>& problems);
 

@@ -9,27 +9,27 @@
 #include "display/name_tables.h"
 #include "serdesctl/asking/asked_switch.h"
 #include "serdesctl/base/tool_facts.h"
+#include "serdesctl/tables/config_records.h"
 #include "topology/serdes_topology.h"
 
 namespace serdesctl {
 namespace {
 
-bool allows(const std::set<std::string>& names, const std::optional<std::string>& name) {
-  return names.empty() || (name && names.contains(*name));
+// The keys that select by a name: visit(key, wanted names, names that the port has).
+template <typename Visit>
+void eachNamed(const PortSelector& selector, const AsicState& asic, const PortState& port, Visit&& visit) {
+  const ConfigPort& config = asic.config.ports[port.port];
+  const PortObservations& seen = port.observed;
+  using Names = std::vector<std::optional<std::string>>;
+  visit("kind", selector.kinds, Names{portTypeOf(asic.config, port.port)});
+  visit("serdes_type", selector.serDesTypes, Names{config.tx.serDesType, config.rx.serDesType});
+  visit("media", selector.media, Names{seen.media});
+  visit("rate", selector.rates, Names{port.configRate});
+  visit("running_rate", selector.runningRates, Names{seen.runningRate});
 }
 
 bool allowsPort(const std::set<std::uint32_t>& ports, const std::optional<std::uint32_t>& port) {
   return ports.empty() || (port && ports.contains(*port));
-}
-
-bool isIn(std::uint32_t mask, std::uint32_t port) {
-  return (mask >> port & 1) != 0;
-}
-
-std::optional<std::string> kindOf(const ConfigText& config, std::uint32_t port) {
-  if (isIn(config.glPorts, port)) return "gl";
-  if (isIn(config.xgPorts, port)) return "xg";
-  return isIn(config.exgPorts, port) ? std::optional<std::string>("exg") : std::nullopt;
 }
 
 // Whether a record says anything, and all of it.
@@ -66,12 +66,35 @@ bool hasLinksFor(const SettingsEntry& entry, const ConfigPort& port) {
 bool selects(const SettingsEntry& entry, const AsicState& asic, const PortState& port) {
   const PortSelector& selector = entry.selector;
   const ConfigPort& config = asic.config.ports[port.port];
-  const std::set<std::string>& types = selector.serDesTypes;
-  return selector.asic.value_or(asic.asic) == asic.asic && allowsPort(selector.ports, port.port) &&
-         allowsPort(selector.userPorts, config.userPort) && allows(selector.kinds, kindOf(asic.config, port.port)) &&
-         (allows(types, config.tx.serDesType) || allows(types, config.rx.serDesType)) &&
-         allows(selector.media, port.observed.media) && allows(selector.rates, port.configRate) &&
-         allows(selector.runningRates, port.observed.runningRate) && hasLinksFor(entry, config);
+  bool allowed = selector.asic.value_or(asic.asic) == asic.asic && allowsPort(selector.ports, port.port) &&
+                 allowsPort(selector.userPorts, config.userPort) && hasLinksFor(entry, config);
+  eachNamed(selector, asic, port, [&](const char*, const auto& wanted, const auto& names) {
+    allowed = allowed && (wanted.empty() || std::any_of(names.begin(), names.end(), [&](const auto& name) {
+                            return name && wanted.contains(*name);
+                          }));
+  });
+  return allowed;
+}
+
+// Why no port is selected: a key of whose names the switch has none, with those that it has.
+std::string whyNone(const SettingsEntry& entry, const SwitchState& now) {
+  std::map<std::string, std::pair<std::set<std::string>, bool>> keys;  // names there are, and whether one is wanted
+  for (const AsicState& asic : now.asics) {
+    if (entry.selector.asic.value_or(asic.asic) != asic.asic) continue;
+    for (const PortState& port : asic.ports) {
+      eachNamed(entry.selector, asic, port, [&](const char* key, const auto& wanted, const auto& names) {
+        auto& [there, found] = keys[key];
+        for (const auto& name : names) {
+          if (name) there.insert(*name);
+          found = found || wanted.empty() || (name && wanted.contains(*name));
+        }
+      });
+    }
+  }
+  for (const auto& [key, known] : keys) {
+    if (!known.second) return key + ": no port has it: there are " + listed(known.first);
+  }
+  return "selects no port: none has all of this";
 }
 
 class Problems {
@@ -80,6 +103,9 @@ class Problems {
 
   void add(const SettingsEntry& entry, const std::string& what) {
     lines_.push_back(file_.name + ":" + std::to_string(entry.line) + ": " + what);
+  }
+  std::size_t count() const {
+    return lines_.size();
   }
   void refuseIfAny() const {
     refuse(lines_);
@@ -142,8 +168,11 @@ SelectedPorts selectFor(const SettingsEntry& entry, const SwitchState& now, Prob
     checkKinds(entry, asic, selected.contains(asic.asic) ? selected[asic.asic] : 0, problems);
   }
   if (entry.optional) return selected;
+  const std::size_t before = problems.count();
   checkNamed(entry, now, problems);
-  if (selected.empty()) problems.add(entry, "selects no port; with optional = true it may");
+  if (selected.empty() && before == problems.count()) {
+    problems.add(entry, whyNone(entry, now) + "; with optional = true it may select none");
+  }
   return selected;
 }
 

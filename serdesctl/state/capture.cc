@@ -10,6 +10,7 @@
 #include "serdesctl/asking/asked_switch.h"
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/tool_facts.h"
+#include "serdesctl/formats/json_object.h"
 #include "serdesctl/rehearsal/learning.h"
 #include "topology/serdes_topology.h"
 
@@ -27,12 +28,29 @@ void assign(Values& values, const Record& record) {
   values = static_cast<const Values&>(record);
 }
 
+// Names as a save can hold them, so that one that is read again is the same: bytes that are no UTF-8 are replaced.
+void makeLegible(std::string& name) {
+  name = Json::parse(jsonLine(name)).get<std::string>();
+}
+
+void makeLegible(ConfigText& config) {
+  for (ConfigPort& port : config.ports) {
+    makeLegible(port.rx.serDesType);
+    makeLegible(port.tx.serDesType);
+  }
+  for (ConfigType& type : config.types)
+    makeLegible(type.name);
+  for (ConfigCore& core : config.cores)
+    makeLegible(core.serDesType);
+}
+
 class AsicReader {
  public:
   AsicReader(AskedSwitch& asked, std::uint32_t ports, std::vector<Unread>& unread)
       : asked_(asked), ports_(ports), unread_(unread) {
     state_.asic = asked.config().asic;
     state_.config = asked.config();
+    makeLegible(state_.config);
     state_.cores = asked.discovery().cores;
     forEachBit(ports, kMaxPorts, [&](std::uint32_t port) { state_.ports.emplace_back().port = port; });
   }

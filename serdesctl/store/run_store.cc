@@ -193,6 +193,10 @@ void FoundRun::rewrite() const {
   writeRecord(folder, record);
 }
 
+FoundRun FoundRun::again() const {
+  return findRun(folder);
+}
+
 void FoundRun::confirm() const {
   writeFileWhole(folder + kConfirmedFile, "");
 }
@@ -237,7 +241,12 @@ void OpenRun::add(const std::vector<PlannedStep>& steps, const std::vector<std::
 
 void OpenRun::sendNext() {
   ++record_.sent;
-  write();
+  try {
+    write();
+  } catch (const WriteError&) {
+    --record_.sent;
+    throw;
+  }
 }
 
 void OpenRun::waitForConfirmation(const std::string& until) {
@@ -248,6 +257,16 @@ void OpenRun::waitForConfirmation(const std::string& until) {
 
 bool OpenRun::isConfirmed() const {
   return isThere(folder_ + kConfirmedFile);
+}
+
+void OpenRun::stopWaiting() {
+  if (record_.state != RunState::kWaiting) return;
+  record_.state = RunState::kRunning;
+  write();
+}
+
+void OpenRun::discard() {
+  removeRun(folder_);
 }
 
 void OpenRun::end(RunState state, const std::string& reason, const Save* after) {

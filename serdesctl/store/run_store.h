@@ -72,6 +72,8 @@ struct FoundRun {
   void rewrite() const;
   // Tells the process that waits. Throws WriteError.
   void confirm() const;
+  // The run as it is now.
+  FoundRun again() const;
 };
 
 using StoreNotice = std::function<void(const std::string& text)>;
@@ -98,6 +100,10 @@ class OpenRun {
   void sendNext();
   void waitForConfirmation(const std::string& until);
   bool isConfirmed() const;
+  // It is too late for a confirmation.
+  void stopWaiting();
+  // Nothing has been sent and nothing will be: there was no run.
+  void discard();
   void end(RunState state, const std::string& reason, const Save* after);
 
  private:

@@ -8,6 +8,7 @@
 
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/output.h"
+#include "serdesctl/base/waiting.h"
 #include "serdesctl/formats/json_object.h"
 #include "serdesctl/journal/journal_file.h"
 #include "serdesctl/subcommands/changing.h"
@@ -15,15 +16,19 @@
 namespace serdesctl {
 namespace {
 
-// Of all targets, or of the one that is named.
+constexpr Seconds kBetweenLooks{0.1};
+constexpr Seconds kTakesNote{10};
+
+// Of all targets, or of the one that is named; of simulated switches the one that its state file keeps.
 std::vector<FoundRun> chosenRuns(const Options& options) {
+  const TargetWords& words = options.common.target;
   std::vector<FoundRun> runs;
   for (const std::string& folder : journalFolders()) {
-    std::vector<FoundRun> found = findRuns(folder, say);
+    std::vector<FoundRun> found =
+        words.state.empty() ? findRuns(folder, complain) : findRuns(folder, findTarget(words), complain);
     std::move(found.begin(), found.end(), std::back_inserter(runs));
   }
-  const std::string& target = options.common.target.target;
-  std::erase_if(runs, [&](const FoundRun& run) { return !target.empty() && run.record.target != target; });
+  std::erase_if(runs, [&](const FoundRun& run) { return !words.target.empty() && run.record.target != words.target; });
   std::stable_sort(runs.begin(), runs.end(),
                    [](const auto& a, const auto& b) { return a.record.time < b.record.time; });
   return runs;
@@ -75,6 +80,25 @@ int show(const std::vector<FoundRun>& runs, bool asJson) {
   return kDone;
 }
 
+// Whether it came in time, only the process that waits can tell.
+void confirm(FoundRun run) {
+  run.confirm();
+  const TimePoint limit = after(kTakesNote);
+  while (run.record.state == RunState::kWaiting) {
+    if (Clock::now() >= limit) throw TimeoutError("run " + run.record.run + " has not taken note of it");
+    sleepUntil(after(kBetweenLooks));
+    run = run.again();
+  }
+  if (run.record.state == RunState::kDone || run.record.state == RunState::kDiffers) return;
+  throw UsageError("too late: run " + run.record.run + " is rolled back: " + ending(run));
+}
+
+void keep(FoundRun run) {
+  run.record.state = RunState::kKept;
+  run.rewrite();
+  complain("nobody waits for it any more: what run " + run.record.run + " has changed stays as it is");
+}
+
 }  // namespace
 
 int performHistory(const Options& options) {
@@ -89,14 +113,12 @@ int performPending(const Options& options) {
 }
 
 int performConfirm(const Options& options) {
-  for (FoundRun& run : chosenRuns(options)) {
+  for (const FoundRun& run : chosenRuns(options)) {
     if (run.record.run != options.change.run) continue;
     if (run.record.state == RunState::kWaiting) {
-      run.confirm();
+      confirm(run);
     } else if (run.isLeft()) {
-      run.record.state = RunState::kKept;
-      run.rewrite();
-      say("nobody waits for it any more: what run " + run.record.run + " has changed stays as it is");
+      keep(run);
     } else {
       throw UsageError("run " + run.record.run + " does not wait for a confirmation: " + ending(run));
     }
@@ -105,14 +127,21 @@ int performConfirm(const Options& options) {
   throw UsageError("no run " + options.change.run);
 }
 
-void warnOfRunsLeft(const Target& target) {
+std::string commandFor(const TargetWords& words, const std::string& subcommand) {
+  std::string command = "serdesctl ";
+  if (!words.target.empty()) command += "-t " + words.target + " ";
+  if (!words.state.empty()) command += "--state " + words.state + " ";
+  return command + subcommand;
+}
+
+void warnOfRunsLeft(const Target& target, const TargetWords& words) {
   for (const std::string& folder : journalFolders()) {
-    for (const FoundRun& run : findRuns(folder, target, say)) {
+    for (const FoundRun& run : findRuns(folder, target, complain)) {
       if (!run.isLeft()) continue;
       const RunRecord& r = run.record;
-      say("run " + r.run + " (" + r.what + ", by " + r.user + ") was interrupted after " + std::to_string(r.sent) +
-          " of " + std::to_string(r.steps) + " commands and counts as not confirmed: serdesctl undo " + r.run +
-          " leads back");
+      complain("run " + r.run + " (" + r.what + ", by " + r.user + ") was interrupted after " + std::to_string(r.sent) +
+               " of " + std::to_string(r.steps) +
+               " commands and counts as not confirmed: " + commandFor(words, "undo " + r.run) + " leads back");
     }
   }
 }

@@ -6,7 +6,9 @@
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/files.h"
 #include "serdesctl/base/output.h"
+#include "serdesctl/plan/plan_json.h"
 #include "serdesctl/subcommands/changing.h"
+#include "serdesctl/subcommands/plan_text.h"
 
 namespace serdesctl {
 namespace {
@@ -44,7 +46,7 @@ int performPlan(const Options& options) {
   Output output(STDOUT_FILENO);
   output.write(chosenReport(options.plan, wish, opened.now));
   output.flush();
-  if (options.plan.script) (void)writeAll(STDERR_FILENO, impossibleText(wish.plan));
+  if (options.plan.script && !wish.plan.impossible.empty()) complain(impossibleText(wish.plan));
   if (!options.plan.output.empty()) {
     writeFileWhole(options.plan.output, readableJson(planJson(kept(wish, opened.now), true)));
   }

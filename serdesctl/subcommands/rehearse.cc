@@ -62,7 +62,7 @@ bool rehearsedWell(OpenedSwitch& opened, const CommonOptions& options, const Pla
       rehearseOn(twin.description, Seconds(options.timeout),
                  [&](Conversation&, const SwitchState&) { return rehearsedPlan(plan, file); });
   if (!result.anyWorse()) return true;
-  say("nothing was sent, for on a twin ports get worse:\n" + trendsText(result));
+  complain("nothing was sent, for on a twin ports get worse:\n" + trendsText(result));
   return false;
 }
 

@@ -138,7 +138,7 @@ Target chosenTarget(const CommonOptions& options) {
   TargetWords words = options.target;
   words.waitForLock = Seconds(options.waitForLock);
   Target target = findTarget(words);
-  warnOfRunsLeft(target);
+  warnOfRunsLeft(target, words);
   return target;
 }
 

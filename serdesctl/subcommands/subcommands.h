@@ -24,8 +24,11 @@ int performHistory(const Options& options);
 int performPending(const Options& options);
 int performConfirm(const Options& options);
 
-// Says which runs on the target were interrupted, and nobody has taken back.
-void warnOfRunsLeft(const Target& target);
+// Says which runs on the target were interrupted, and nobody has taken back. `words` name the target.
+void warnOfRunsLeft(const Target& target, const TargetWords& words);
+
+// What is typed for it: "serdesctl -t sim --state lab undo RUN".
+std::string commandFor(const TargetWords& words, const std::string& subcommand);
 
 // The target that the command line names, with the lock's patience, to be opened.
 Target chosenTarget(const CommonOptions& options);

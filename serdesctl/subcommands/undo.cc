@@ -6,6 +6,7 @@
 
 #include "serdesctl/apply/undoing.h"
 #include "serdesctl/base/errors.h"
+#include "serdesctl/base/output.h"
 #include "serdesctl/journal/journal_file.h"
 #include "serdesctl/subcommands/changing.h"
 
@@ -15,7 +16,7 @@ namespace {
 std::vector<FoundRun> runsOf(const Target& target) {
   std::vector<FoundRun> runs;
   for (const std::string& folder : journalFolders()) {
-    std::vector<FoundRun> found = findRuns(folder, target, say);
+    std::vector<FoundRun> found = findRuns(folder, target, complain);
     std::move(found.begin(), found.end(), std::back_inserter(runs));
   }
   std::stable_sort(runs.begin(), runs.end(),

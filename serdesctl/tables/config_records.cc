@@ -11,20 +11,20 @@ std::vector<std::uint32_t> bitsOf(std::uint32_t mask) {
   return bits;
 }
 
+std::optional<std::string> portTypeOf(const ConfigText& config, std::uint32_t port) {
+  const auto isIn = [&](std::uint32_t ports) { return (ports >> port & 1) != 0; };
+  if (isIn(config.glPorts)) return "gl";
+  if (isIn(config.xgPorts)) return "xg";
+  return isIn(config.exgPorts) ? std::optional<std::string>("exg") : std::nullopt;
+}
+
 std::vector<PortRecord> portRecords(const ConfigText& config) {
   std::vector<PortRecord> records;
   for (const ConfigPort& port : config.ports) {
     PortRecord& record = records.emplace_back();
     record.asic = config.asic;
     record.config = port;
-    const auto isIn = [&](std::uint32_t ports) { return (ports >> port.port & 1) != 0; };
-    if (isIn(config.glPorts)) {
-      record.portType = "gl";
-    } else if (isIn(config.xgPorts)) {
-      record.portType = "xg";
-    } else if (isIn(config.exgPorts)) {
-      record.portType = "exg";
-    }
+    record.portType = portTypeOf(config, port.port);
   }
   return records;
 }

@@ -13,8 +13,11 @@ namespace serdesctl {
 struct PortRecord {
   std::uint32_t asic = 0;
   ConfigPort config;
-  std::optional<std::string> portType;  // "gl", "xg", "exg"
+  std::optional<std::string> portType;
 };
+
+// "gl", "xg", "exg"; nothing for a port of no known type.
+std::optional<std::string> portTypeOf(const ConfigText& config, std::uint32_t port);
 
 std::vector<PortRecord> portRecords(const ConfigText& config);
 

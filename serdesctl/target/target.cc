@@ -67,7 +67,8 @@ std::string simulatorFolder() {
 // A switch that is kept has one user at a time, and every name of its file the same lock.
 std::string lockOfState(const std::string& stateFile) {
   std::error_code error;
-  const std::filesystem::path path = std::filesystem::weakly_canonical(stateFile, error);
+  // Without a folder in front, a file that is not there yet would keep its relative name.
+  const std::filesystem::path path = std::filesystem::weakly_canonical(std::filesystem::absolute(stateFile), error);
   return (error ? stateFile : path.string()) + ".serdesctl.lock";
 }
 

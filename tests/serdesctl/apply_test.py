@@ -3,16 +3,19 @@
 
 from __future__ import annotations
 
+import functools
 import json
 import os
 import re
+import resource
 import signal
 import subprocess
 import sys
 import unittest
+from pathlib import Path
 
 from changing import SMALL, ChangingTest
-from program import SERDESCTL, Result
+from program import EMULATED, SERDESCTL, Result
 from serdes_runs import LIMIT_SECONDS, Terminal
 
 # Every how manieth platform call fails, and how many kills; 1 and 200 for all of it.
@@ -92,6 +95,28 @@ class Applying(ChangingTest):
         self.must("restore", "--yes", save)
         self.assertEqual(self.differences(save), "")
 
+    def test_what_is_restored_must_be_in_the_save(self) -> None:
+        part = str(self.folder / "part.json")
+        self.must("save", "--ports", "0-3", "-o", part)
+        for words, what in ((("--asic", "1"), "has no ASIC 1"), (("--ports", "3-4"), "has no port 4 of ASIC 0")):
+            status, out, err = self.do("restore", "--yes", *words, part)
+            self.assertEqual((status, out, err), (2, "", f"serdesctl: {part} {what}\n"))
+
+    def test_a_type_name_that_is_no_utf8(self) -> None:
+        latin = self.folder / "latin"
+        latin.write_text(
+            f"#!{sys.executable}\nimport os, subprocess\n"
+            f"tool = subprocess.Popen([{self.env['SERDES']!r}], stdout=subprocess.PIPE)\n"
+            "while block := os.read(tool.stdout.fileno(), 65536):\n"
+            "    os.write(1, block.replace(b'SERDES_11G', b'SERDES_\\xe9\\xffG'))\n"
+        )
+        latin.chmod(0o755)
+        self.env["SERDESCTL_TOOL"] = str(latin)
+        save = self.save()
+        self.assertIn("SERDES_\ufffd\ufffdG", Path(save).read_text())
+        self.assertEqual(self.differences(save), "")
+        self.assertEqual(self.must("restore", "--yes", save).out, "nothing to do\n")
+
     def test_no_room_for_the_journal(self) -> None:
         save = self.save()
         self.env["SERDESCTL_JOURNAL"] = "/dev/null/journal"
@@ -99,6 +124,24 @@ class Applying(ChangingTest):
         self.assertEqual((result.status, calls), (2, []), result.err)
         del self.env["SERDESCTL_JOURNAL"]
         self.assertEqual(self.differences(save), "")
+
+    @unittest.skipIf(EMULATED, "the limit is the emulator's too")
+    def test_a_disk_that_is_full_does_not_stop_the_way_back(self) -> None:
+        save = self.save()
+        journal = self.folder / "journal" / "journal.jsonl"
+        words = ("apply", "--yes", "--confirm", "0.1", self.file)
+        self.assertEqual(self.do(*words).status, 1)
+        lines = journal.read_text().splitlines(keepends=True)
+        answers = [number for number, line in enumerate(lines) if '"answered"' in line]
+        for kept, sent in ((answers[-3], True), (0, False)):  # an answer to the way back; the first command
+            room = 100000 + sum(map(len, lines[:kept])) + 20
+            journal.write_text("-" * 99999 + "\n")
+            limit = functools.partial(resource.setrlimit, resource.RLIMIT_FSIZE, (room, room))
+            status, _, err = self.do(*words, preexec_fn=limit, restore_signals=False)
+            said = "not confirmed: rolled back, the switch is as before" if sent else "File too large: nothing was sent"
+            self.assertEqual((status, said in err), (1 if sent else 2, True), err)
+            self.assertEqual(self.differences(save), "")
+        self.assertEqual([run["state"] for run in self.history()], ["rolled back"] * 2)
 
 
 class Failing(ChangingTest):
@@ -168,7 +211,7 @@ class Failing(ChangingTest):
         left = self.differences(self.before)
         if left == "":
             return "rolled back"
-        self.assertIn("serdesctl undo ", result.err)
+        self.assertRegex(result.err, "serdesctl -t .* undo ")
         undone = self.do("undo", "--yes")
         self.assertEqual(undone.status, 0, (result, undone))
         self.assertEqual(self.differences(self.before), "", (result, undone))
@@ -211,24 +254,12 @@ class Interrupting(ChangingTest):
 
     def test_a_tool_that_dies_leaves_a_way_back(self) -> None:
         save = self.save()
-        dying = self.folder / "dying"
-        dying.write_text(
-            f"#!{sys.executable}\n"
-            "import os, subprocess, sys\n"
-            f"tool = subprocess.Popen([{self.env['SERDES']!r}], stdin=subprocess.PIPE)\n"
-            "for line in sys.stdin:\n"
-            "    tool.stdin.write(line.encode()); tool.stdin.flush()\n"
-            "    if line.startswith('setRate'):\n"
-            "        tool.stdin.close(); tool.wait(); os._exit(1)\n"
-            "tool.stdin.close(); tool.wait()\n"
-        )
-        dying.chmod(0o755)
-        self.env["SERDESCTL_TOOL"] = str(dying)
+        self.before_each_line("if former.startswith('setRate'): tool.stdin.close(); tool.wait(); os._exit(1)")
         status, _, err = self.do("apply", "--yes", self.file)
         self.env["SERDESCTL_TOOL"] = self.env["SERDES"]
         run = self.last_run()
         self.assertEqual(status, 3, err)
-        self.assertIn(f"serdesctl undo {run}", err)
+        self.assertIn(f"serdesctl {' '.join(self.words)} undo {run}", err)
         self.assertNotEqual(self.differences_quietly(save), "")
         self.assertIn(f"run {run} ", self.do("diff", save).err)
         self.must("undo", "--yes")
@@ -283,6 +314,34 @@ class GuardAndConfirmation(ChangingTest):
                 terminal.read_to(b"waiting until")
                 terminal.type(key)
                 self.assertEqual(terminal.exit_status(), status)
+
+    def test_what_is_typed_before_or_for_others_does_not_confirm(self) -> None:
+        file = self.script('[[settings]]\nports = "4"\ntransmit = { k = 110 }\n', "lab.toml")
+        words = ["apply", "--confirm", "1", file]
+        with Terminal(*self.words, *words, program=[SERDESCTL], env=self.env) as terminal:
+            terminal.read_to(b"? [y/N] ")
+            terminal.type("y\n\n")
+            self.assertEqual(terminal.exit_status(), 1)
+        background = ["sh", "-mc", '"$0" "$@" & wait $!', SERDESCTL]
+        with Terminal(*self.words, *words, "--yes", program=background, env=self.env) as terminal:
+            terminal.read_to(b"waiting until")
+            terminal.type("\n")
+            self.assertEqual(terminal.exit_status(), 1)
+
+    def test_confirmed_too_late(self) -> None:
+        go = self.folder / "go"
+        late = f"sent > 1 and not os.path.exists({str(go)!r})"
+        self.before_each_line(f"sent += line.startswith('setFFE')\n    while {late}: time.sleep(0.02)")
+        file = self.script('[[settings]]\nports = "4"\ntransmit = { k = 110 }\n', "lab.toml")
+        process = self.start(*self.words, "apply", "--yes", "--confirm", "0.1", file)
+        assert process.stderr
+        while "rolling back" not in (line := process.stderr.readline()):
+            self.assertTrue(line)
+        status, _, err = self.ctl("confirm", self.last_run())
+        self.assertEqual((status, "does not wait" in err), (2, True), err)
+        go.touch()
+        process.communicate(timeout=LIMIT_SECONDS)
+        self.assertEqual(process.returncode, 1)
 
     def test_killed_it_counts_as_not_confirmed(self) -> None:
         save = self.save()

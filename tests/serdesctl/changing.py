@@ -5,6 +5,7 @@ from __future__ import annotations
 import json
 import random
 import re
+import sys
 from pathlib import Path
 from typing import Any
 
@@ -125,6 +126,20 @@ class ChangingTest(ProgramTest):
         if self.words[1] != "sim":
             env["SERDES_SIMULATOR_SWITCH"] = self.words[1].removeprefix("sim:")
         run_script("".join(f"{line}\n" for line in lines), env=env)
+
+    def before_each_line(self, code: str) -> None:
+        """The tool, behind somebody who does this before each line for it; `former` is the line before."""
+        between = self.folder / "between"
+        between.write_text(
+            f"#!{sys.executable}\nimport os, subprocess, sys, time\n"
+            f"tool = subprocess.Popen([{self.env['SERDES']!r}], stdin=subprocess.PIPE)\n"
+            "former, sent = '', 0\n"
+            f"for line in sys.stdin:\n    {code}\n"
+            "    tool.stdin.write(line.encode()); tool.stdin.flush(); former = line\n"
+            "tool.stdin.close(); tool.wait()\n"
+        )
+        between.chmod(0o755)
+        self.env["SERDESCTL_TOOL"] = str(between)
 
     def traced(self, *words: StrPath) -> tuple[Result, list[str]]:
         """A run, and the platform calls that set something."""

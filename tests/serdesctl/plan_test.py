@@ -80,8 +80,10 @@ class Planning(ChangingTest):
         kept = str(self.folder / "kept.json")
         self.must("plan", "-o", kept, self.file, status=1)
         self.tool("setTxParamsCache 4G FFE3 100 -4 55 -25 0 36 3")  # which a speed of port 3 would put into force
-        self.assertEqual(self.traced("apply", "--yes", kept)[1], [])
-        self.must("apply", "--yes", kept, status=2)
+        result, calls = self.traced("apply", "--yes", kept)
+        self.assertEqual((result.status, calls), (2, []))
+        self.assertIn("it would do otherwise now:\n", result.err)
+        self.assertIn("ASIC 0 port 3 (user 11) tx link 0 c2 -10 -> -25\n", result.err)
 
     def test_a_kept_plan_and_a_save_of_another_switch_are_refused(self) -> None:
         kept = str(self.folder / "kept.json")

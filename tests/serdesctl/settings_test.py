@@ -32,8 +32,8 @@ class Settings(SaveTest):
         self.assertEqual((done.status, done.out), (2, ""))
         self.assertEqual(
             done.err,
-            f"serdesctl: {file}:3: speed: none of AUTO, 1G, 2G, 4G, 8G, 10G, 20G\n"
-            f"serdesctl: {file}:4: transmit.k: not a number from 0 to 255\n",
+            f"serdesctl: {file}:3: speed: '9G' is none of AUTO, 1G, 2G, 4G, 8G, 10G, 20G\n"
+            f"serdesctl: {file}:4: transmit.k: 300 is no number from 0 to 255\n",
         )
         self.assertFalse(self.trace.exists(), "the switch was asked")
 

@@ -77,6 +77,11 @@ class Undoing(ChangingTest):
         self.must("undo", "--yes", self.history()[0]["run"])
         self.assertEqual(self.differences(start), "")
 
+    def test_a_state_file_that_was_not_there_before_the_run(self) -> None:
+        words = [*self.words[:2], "--state", "fresh.state"]
+        for done in (("apply", "--yes", self.script(FIRST, "lab.toml")), ("undo", "--yes")):
+            self.assertEqual(self.ctl(*words, *done, cwd=self.folder).status, 0, done)
+
     def test_unknown_runs(self) -> None:
         self.assertEqual(self.do("undo", "nothing").status, 2)
         self.assertEqual(self.ctl("confirm", "nothing").status, 2)
@@ -93,13 +98,14 @@ class Undoing(ChangingTest):
         self.assertRegex(lines[0], rf"\A{run}  .*Z  .*  apply .*lab.toml  .*  done, undone by {second['run']}\Z")
         self.assertTrue(lines[1].endswith("  done  (can be undone)"))
         self.assertEqual(self.ctl("-t", "other", "history").out, "")
+        self.assertEqual(self.ctl(*self.words[:2], "--state", "other", "history"), (0, "", ""))
 
     def test_runs_that_cannot_be_read_are_said_and_left_out(self) -> None:
         self.apply(FIRST)
         run = self.history()[0]
         (self.folder / "journal" / "runs" / "broken" / "run").mkdir(parents=True)
         (self.folder / "journal" / "runs" / "broken" / "run" / "run.json").write_text('{"schema":1')
-        status, out, err = self.do("history", "--json")
+        status, out, err = self.ctl("history", "--json")
         self.assertEqual((status, load(out)), (0, run))
         self.assertIn("broken/run/run.json", err)
 

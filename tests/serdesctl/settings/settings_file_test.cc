@@ -78,44 +78,44 @@ TEST(SettingsFile, PortsAreOfTheFirstAsicUnlessSaid) {
 TEST(SettingsFile, OnlyCachesHoldLargeNumbers) {
   EXPECT_EQ(entryOf("to = \"8G\"\ntransmit = { k = -70000, c1 = 2147483647 }\n").transmit.k, -70000);
   EXPECT_EQ(refusal("[[settings]]\nto = [\"live\", \"8G\"]\ntransmit = { k = -1 }\n"),
-            "lab.toml:3: transmit.k: not a number from 0 to 255");
+            "lab.toml:3: transmit.k: -1 is no number from 0 to 255");
   EXPECT_EQ(refusal("[[settings]]\nto = \"8G\"\ntransmit = { k = 2147483648 }\n"),
-            "lab.toml:3: transmit.k: not a number from -2147483648 to 2147483647");
+            "lab.toml:3: transmit.k: 2147483648 is no number from -2147483648 to 2147483647");
 }
 
 TEST(SettingsFile, NamesWhatIsWrong) {
   const std::vector<std::pair<std::string, std::string>> cases = {
-      {"ports = \"1-24\"", "2: ports: no list of numbers up to 23 as \"1-5,7\""},
-      {"ports = \"3-1\"", "2: ports: no list"},
-      {"ports = \"\"", "2: ports: no list"},
-      {"ports = \"1,\"", "2: ports: no list"},
-      {"ports = \"+1\"", "2: ports: no list"},
-      {"ports = -1", "2: ports: no list"},
-      {"ports = [1, 2]", "2: ports: no list"},
-      {"user_ports = 65535", "2: user_ports: no list of numbers up to 65534"},
-      {"kind = \"fc\"", "2: kind: none of gl, xg, exg"},
+      {"ports = \"1-24\"", "2: ports: '1-24' is no list of numbers up to 23 as \"1-5,7\""},
+      {"ports = \"3-1\"", "2: ports: '3-1' is no list"},
+      {"ports = \"\"", "2: ports: '' is no list"},
+      {"ports = \"1,\"", "2: ports: '1,' is no list"},
+      {"ports = \"+1\"", "2: ports: '+1' is no list"},
+      {"ports = -1", "2: ports: -1 is no list"},
+      {"ports = [1, 2]", "2: ports: this is no list"},
+      {"user_ports = 65535", "2: user_ports: 65535 is no list of numbers up to 65534"},
+      {"kind = \"fc\"", "2: kind: 'fc' is none of gl, xg, exg"},
       {"kind = []", "2: kind: an empty list"},
-      {"serdes_type = 3", "2: serdes_type: not a text"},
-      {"rate = \"INV\"", "2: rate: none of AUTO, 1G, 2G, 4G, 8G, 10G, 20G"},
-      {"running_rate = \"AUTO\"", "2: running_rate: none of 1G, "},
-      {"asic = 2", "2: asic: not a number from 0 to 1"},
-      {"optional = 1", "2: optional: neither true nor false"},
-      {"speed = 8", "2: speed: none of AUTO, 1G, 2G, 4G, 8G, 10G, 20G"},
-      {"speed = \"\"", "2: speed: none of AUTO"},
-      {"stream = \"on\"", "2: stream: neither true nor false"},
+      {"serdes_type = 3", "2: serdes_type: 3 is no text"},
+      {"rate = \"INV\"", "2: rate: 'INV' is none of AUTO, 1G, 2G, 4G, 8G, 10G, 20G"},
+      {"running_rate = \"AUTO\"", "2: running_rate: 'AUTO' is none of 1G, "},
+      {"asic = 2", "2: asic: 2 is no number from 0 to 1"},
+      {"optional = 1", "2: optional: 1 is neither true nor false"},
+      {"speed = 8", "2: speed: 8 is none of AUTO, 1G, 2G, 4G, 8G, 10G, 20G"},
+      {"speed = \"\"", "2: speed: '' is none of AUTO"},
+      {"stream = \"on\"", "2: stream: 'on' is neither true nor false"},
       {"to = \"8G\"", "1: to: there is no transmit, receive or ethernet here"},
-      {"to = \"AUTO\"\ntransmit = { k = 1 }", "2: to: none of live, caches, 1G, 2G, 4G, 8G, 10G, 20G"},
-      {"transmit = 3", "2: transmit: not a table"},
-      {"transmit = {}", "2: an empty table"},
-      {"transmit = { mode = \"FFE1\" }", "2: transmit.mode: none of FFENone, FFE2, FFE3, FFE4"},
-      {"transmit = { mode = 2 }", "2: transmit.mode: none of"},
-      {"transmit = { slew = 37 }", "2: transmit.slew: none of 24, 30, 36, 50, 60, 75, 100"},
-      {"transmit = { c2 = 1.0 }", "2: transmit.c2: not a number from -128 to 127"},
+      {"to = \"AUTO\"\ntransmit = { k = 1 }", "2: to: 'AUTO' is none of live, caches, 1G, 2G, 4G, 8G, 10G, 20G"},
+      {"transmit = 3", "2: transmit: 3 is no table"},
+      {"transmit = {}", "2: transmit: empty: none of mode, k, c0"},
+      {"transmit = { mode = \"FFE1\" }", "2: transmit.mode: 'FFE1' is none of FFENone, FFE2, FFE3, FFE4"},
+      {"transmit = { mode = 2 }", "2: transmit.mode: 2 is none of"},
+      {"transmit = { slew = 37 }", "2: transmit.slew: 37 is none of 24, 30, 36, 50, 60, 75, 100"},
+      {"transmit = { c2 = 1.0 }", "2: transmit.c2: this is no number from -128 to 127"},
       {"transmit = { taps = 1 }", "2: transmit.taps: unknown: none of mode, k, c0, c1, c2, c3, slew"},
-      {"receive = { amax = 0x80 }", "2: receive.amax: not a number from -128 to 127"},
-      {"receive = { mode = \"FFE2\" }", "2: receive.mode: none of DFE3, DFE5, NONE, DFE1"},
+      {"receive = { amax = 0x80 }", "2: receive.amax: 128 is no number from -128 to 127"},
+      {"receive = { mode = \"FFE2\" }", "2: receive.mode: 'FFE2' is none of DFE3, DFE5, NONE, DFE1"},
       {"ethernet = { power = 1 }", "1: ethernet: to is missing"},
-      {"to = \"live\"\nethernet = { power = 1 }", "1: to: only caches of ethernet ports can be set"},
+      {"to = \"live\"\nethernet = { power = 1 }", "2: to: 'live' is none of the caches"},
       {"to = \"8G\"\nethernet = { k = 1 }", "3: ethernet.k: unknown: none of power, pre_emphasis, cdr_mode, eq_mode"},
       {"colour = 1", "2: colour: unknown: none of ports, user_ports, "},
       {"", "1: sets nothing: none of speed, stream, transmit, receive, ethernet"},
@@ -128,9 +128,9 @@ TEST(SettingsFile, NamesWhatIsWrong) {
 
 TEST(SettingsFile, NamesAllThatIsWrong) {
   EXPECT_EQ(refusal("[[settings]]\nspeed = 8\n\n[[settings]]\nstream = 1\n[[settings]]\n"),
-            "lab.toml:2: speed: none of AUTO, 1G, 2G, 4G, 8G, 10G, 20G\n"
-            "serdesctl: lab.toml:5: stream: neither true nor false\n"
-            "serdesctl: lab.toml:6: sets nothing: none of speed, stream, transmit, receive, ethernet");
+            "lab.toml:2: speed: 8 is none of AUTO, 1G, 2G, 4G, 8G, 10G, 20G\n"
+            "lab.toml:5: stream: 1 is neither true nor false\n"
+            "lab.toml:6: sets nothing: none of speed, stream, transmit, receive, ethernet");
 }
 
 TEST(SettingsFile, RefusesOtherFiles) {
@@ -139,7 +139,7 @@ TEST(SettingsFile, RefusesOtherFiles) {
   EXPECT_EQ(refusal("settings = [3]"), "lab.toml:1: settings: not a table: an entry begins with [[settings]]");
   EXPECT_EQ(refusal("[[setting]]\n"),
             "lab.toml:1: setting: unknown: none of settings\n"
-            "serdesctl: lab.toml:1: settings: no entry: each begins with [[settings]]");
+            "lab.toml:1: settings: no entry: each begins with [[settings]]");
   EXPECT_NE(refusal("[[settings]]\nspeed = \n").find("lab.toml:2: "), std::string::npos);
   EXPECT_NE(refusal("[[settings]]\nspeed = \"8G\"\nspeed = \"4G\"\n").find("lab.toml:3: "), std::string::npos);
 }

@@ -98,14 +98,14 @@ TEST(Wanted, WhoSaysSomethingAboutLinksMeansPortsThatHaveSome) {
 
 TEST(Wanted, ASelectorThatSelectsNothing) {
   EXPECT_EQ(refusal("[[settings]]\nmedia = \"10GE\"\nstream = true\n"),
-            "lab.toml:1: selects no port; with optional = true it may");
+            "lab.toml:1: media: no port has it: there are COP, OPT; with optional = true it may select none");
+  EXPECT_EQ(refusal("[[settings]]\nmedia = \"OPT\"\nkind = \"exg\"\nstream = true\n"),
+            "lab.toml:1: selects no port: none has all of this; with optional = true it may select none");
   EXPECT_EQ(refusal("[[settings]]\nmedia = \"10GE\"\nstream = true\noptional = true\n"), "taken");
   EXPECT_EQ(refusal("\n[[settings]]\nports = \"0,5\"\nstream = true\n"), "lab.toml:2: ports: no port 5 of ASIC 0");
   EXPECT_EQ(refusal("[[settings]]\nuser_ports = \"100-101\"\nstream = true\n"),
             "lab.toml:1: user_ports: no user port 101");
-  EXPECT_EQ(refusal("[[settings]]\nasic = 1\nstream = true\n"),
-            "lab.toml:1: asic: the switch has no ASIC 1\nserdesctl: lab.toml:1: selects no port; with optional = true "
-            "it may");
+  EXPECT_EQ(refusal("[[settings]]\nasic = 1\nstream = true\n"), "lab.toml:1: asic: the switch has no ASIC 1");
 }
 
 TEST(Wanted, OnlyWhatIsSaid) {

@@ -101,6 +101,11 @@ TEST_F(RunStore, AConfirmationReachesTheRun) {
   EXPECT_FALSE(run->isConfirmed());
   found().at(0).confirm();
   EXPECT_TRUE(run->isConfirmed());
+  EXPECT_EQ(found().at(0).record.state, RunState::kWaiting);
+  run->stopWaiting();
+  EXPECT_EQ(found().at(0).again().record.state, RunState::kRunning);
+  run->discard();
+  EXPECT_TRUE(found().empty());
 }
 
 TEST_F(RunStore, OfTooManyTheOldestEndedOnesGo) {
