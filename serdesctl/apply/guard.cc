@@ -15,9 +15,10 @@ namespace {
 // How far apart two looks are.
 constexpr Seconds kBetweenLooks{1};
 
-// Readings go up and down by some steps, and counts by chance.
+// Readings go up and down by some steps, and counts by chance: who has three errors a second may see none, or ten.
 constexpr double kNoiseSteps = 3;
 constexpr double kNoiseFactor = 2;
+constexpr double kNoiseErrors = 10;
 
 double secondsNow() {
   return std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
@@ -39,11 +40,20 @@ int service(Verdict verdict) {
 }
 
 bool moreErrors(const std::optional<ErrorRate>& before, const std::optional<ErrorRate>& now) {
-  return before && now && now->lowest > kNoiseFactor * before->highest + 1;
+  return before && now && now->lowest > kNoiseFactor * before->highest + kNoiseErrors;
 }
 
-// How far the eye is open, as a share of the signal: what the gain makes of both is no difference.
+// A verdict that stands on errors, as they also came before, tells less than their rate.
+bool errsAsBefore(const PortHealth& before, const PortHealth& now) {
+  const bool hadErrors = before.decodeErrors && before.decodeErrors->highest + before.crcErrors->highest != 0;
+  const bool byErrors = now.verdict == Verdict::kBad || now.verdict == Verdict::kMarginal;
+  return hadErrors && byErrors && now.amin && *now.amin > 0;
+}
+
+// How far the eye is open, as a share of the signal: what the gain makes of both is no difference. Another speed has
+// another eye.
 bool smallerEye(const PortHealth& before, const PortHealth& now) {
+  if (before.runningRate != now.runningRate) return false;
   if (!before.amin || !before.ap || !now.amin || !now.ap || *before.ap <= 0 || *now.ap <= 0) return false;
   const double was = static_cast<double>(*before.amin) / *before.ap;
   const double is = (static_cast<double>(*now.amin) + kNoiseSteps) / *now.ap;
@@ -63,7 +73,7 @@ bool isWatched(const PortHealth& before, bool touched) {
 
 std::string worse(const PortHealth& before, const PortHealth& now) {
   const std::string verdicts = std::string(verdictName(now.verdict)) + ", it was " + verdictName(before.verdict);
-  if (service(now.verdict) < service(before.verdict)) return verdicts + ": " + now.reason;
+  if (service(now.verdict) < service(before.verdict) && !errsAsBefore(before, now)) return verdicts + ": " + now.reason;
   if (moreErrors(before.decodeErrorRate, now.decodeErrorRate)) return "more decode errors: " + now.reason;
   if (moreErrors(before.crcErrorRate, now.crcErrorRate)) return "more CRC errors: " + now.reason;
   return smallerEye(before, now) ? eye(now) + ", it was " + eye(before) : "";
