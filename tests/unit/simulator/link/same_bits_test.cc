@@ -222,6 +222,57 @@ Bits& operator<<(Bits& bits, const LinkResult& result) {
               << result.ber << result.eyeHeightV << result.sigma << result.crosstalk;
 }
 
+struct Link {
+  Transmitter transmitter{.ffeMode = 3, .k = 115, .c = {-4, 55, -14, 3}};
+  Channel channel = backplane(20);
+  Receiver receiver;
+  double baud = kBaud8G;
+  double farBaud = kBaud8G;
+};
+
+// Every number of a link within its range, at its ends and beyond.
+TEST(SameBits, OfEverySetting) {
+  using Set = void (*)(Link & link, double x);
+  constexpr Set kSets[] = {
+      [](Link& link, double x) { link.transmitter.c[0] = readingOf(x); },
+      [](Link& link, double x) { link.transmitter.slewPs = x; },
+      [](Link& link, double x) { link.receiver.amax = readingOf(x); },
+      [](Link& link, double x) { link.receiver.pole = readingOf(x); },
+      [](Link& link, double x) { link.receiver.peak = readingOf(x); },
+      [](Link& link, double x) { link.receiver.evenOddMismatch = x; },
+      [](Link& link, double x) { link.receiver.offsetLsb = x; },
+      [](Link& link, double x) { link.receiver.signalDetectMv = x; },
+      [](Link& link, double x) {
+        link.receiver.adapt = false;
+        link.receiver.heldTaps = {x, 9, 9, x};
+      },
+      [](Link& link, double x) { link.channel.randomJitterUi = x; },
+      [](Link& link, double x) { link.channel.crosstalkDb = x; },
+      [](Link& link, double x) { link.channel.a4 = x; },
+      [](Link& link, double x) {
+        link.channel.echoes = {{x, 1}};
+      },
+      [](Link& link, double x) {
+        link.channel.echoes = {{0.1, x}};
+      },
+      [](Link& link, double x) { link.baud = link.farBaud = x; },
+      [](Link& link, double x) { link.baud = x, link.farBaud = x * (1 + kCaptureRange * 1.0001); },
+  };
+  constexpr double kNumbers[] = {-1e9, -32769, -32768, -200, -128, -17,  -16,  -1,   -0.21, -0.2,  -0.05, 0,
+                                 0.04, 0.05,   0.2,    0.21, 0.5,  0.52, 1,    1.06, 3,     7,     8,     16,
+                                 17,   100,    101,    127,  128,  960,  1000, 2000, 2100,  32767, 32768, 1e9};
+  Bits bits;
+  for (const Set set : kSets) {
+    for (const double x : kNumbers) {
+      Link link;
+      set(link, x);
+      bits << evaluateLink(link.transmitter, link.channel, link.receiver, link.baud, link.farBaud,
+                           neighbours(link.transmitter, kBaud8G));
+    }
+  }
+  EXPECT_EQ(bits, 0x5379daa6eaebb4ad);
+}
+
 TEST(SameBits, OfWholeLinksAndTheirEyes) {
   Bits links;
   Bits eyes;
