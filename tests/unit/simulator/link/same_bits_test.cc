@@ -273,6 +273,22 @@ TEST(SameBits, OfEverySetting) {
   EXPECT_EQ(bits, 0x5379daa6eaebb4ad);
 }
 
+TEST(SameBits, OfOpenEyes) {
+  Bits bits;
+  for (const double inches : {1.0, 8.0, 16.0, 24.0, 32.0, 36.0, 40.0}) {
+    Link link;
+    link.receiver.dfeTaps = 5;
+    EyeScan scan(link.transmitter, backplane(inches), link.receiver, kBaud8G, kBaud8G);
+    bits << scan.widthMilliUi();
+    for (const int phase : {0, -1, 1, -7, 9, -32, 32, -33, 33}) {
+      for (const int level : {0, -1, 1, 2, -5, 12})
+        bits << scan.exponent(phase, level);
+    }
+    bits << scan.exponent(0, 127) << scan.exponent(0, 200) << scan.exponent(1, -200);
+  }
+  EXPECT_EQ(bits, 0x32c31b114b0183f3);
+}
+
 TEST(SameBits, OfWholeLinksAndTheirEyes) {
   Bits links;
   Bits eyes;

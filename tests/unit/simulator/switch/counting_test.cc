@@ -370,6 +370,15 @@ TEST_F(CountedUpToAChange, AreBitErrorsThatCheckersFind) {
   expectCountedUpTo(begin);
 }
 
+// 232.4 million violations a second.
+TEST_F(Counters, CountBeyond32Bits) {
+  ASSERT_EQ(sw.setPortSpeed(id(2), SPEED_4G), kOk);
+  ASSERT_EQ(sw.setPortSpeed(id(3), SPEED_8G), kOk);
+  passSeconds(100);
+  EXPECT_GT(countersOf(2).decodeErrors.high, 0U);
+  EXPECT_NEAR(static_cast<double>(decodeErrors(2)) / (560.0 / 1024 * 425e6 * 100), 1, 1e-4);
+}
+
 // The receiver follows what it hears at 8G, for which the medium is not made.
 TEST(FrameErrors, AreNoneAtASpeedThatTheMediumDoesNotCarry) {
   Switch sw(readDescription(kBenchSwitch + "[[asics.ports]]\nports = 1\nmedia_speeds = [\"4G\"]\n", "bench.toml"));
