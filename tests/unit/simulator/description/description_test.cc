@@ -355,6 +355,22 @@ TEST(Description, MisplacedPortsMayBeOnAnyCore) {
   EXPECT_EQ(read(text).asics[0].ports[0].live->tx.mode, FFE_4);
 }
 
+// 256 of them lie between two ports, one for each counter; 0 stands for 1.
+TEST(Description, EachPortHasErrorsOfItsOwn) {
+  const auto seedsOf = [](const std::string& seed) {
+    std::vector<std::uint64_t> seeds;
+    for (const AsicDescription& asic : read("seed = " + seed + "\n" + kOnePort + kOnePort).asics)
+      seeds.push_back(asic.ports.at(0).errorSeed);
+    return seeds;
+  };
+  EXPECT_EQ(seedsOf("1"), (std::vector<std::uint64_t>{0x1'0000'0000, 0x1'0001'0000}));
+  EXPECT_EQ(seedsOf("0"), seedsOf("1"));
+  EXPECT_EQ(seedsOf("7"), (std::vector<std::uint64_t>{0x7'0000'0000, 0x7'0001'0000}));
+  std::string ports = kOnePort;
+  ports.replace(ports.find("ports = 0"), 9, "ports = \"0-2\"");
+  EXPECT_EQ(read(ports).asics[0].ports[2].errorSeed, 0x1'0000'0200U);
+}
+
 TEST(Description, FingerprintsAreKnown) {
   // FNV-1a's own examples.
   EXPECT_EQ(fingerprintOf(""), 0xcbf29ce484222325U);

@@ -49,6 +49,13 @@ const std::string kPortKeys =
     "live, tx_values, rx_values";
 const std::string kTopKeys = "slots, aux_ports, seed, type_names, clock, settings, channels, asics, user_ports, faults";
 
+std::string zeros(int count) {
+  std::string list = "[0";
+  for (int i = 1; i < count; ++i)
+    list += ", 0";
+  return list + "]";
+}
+
 class DescriptionMistakes : public testing::TestWithParam<Mistake> {};
 
 TEST_P(DescriptionMistakes, IsNamedWithFileLineAndKey) {
@@ -83,6 +90,8 @@ INSTANTIATE_TEST_SUITE_P(
                 "some.toml:8: asics[0].ports[0].rx_values: must be a list of lists"},
         Mistake{"ValueOutOfRange", kCore + "type = 2\npll_values = [65536]\n",
                 "some.toml:5: asics[0].cores[0].pll_values: must be a list, each a whole number from 0 to 65535"},
+        Mistake{"ValuesOfTooManyRegisters", kCore + "type = 2\npll_values = " + zeros(33) + "\n",
+                "some.toml:5: asics[0].cores[0].pll_values: has more than 32 values"},
         Mistake{"NumbersOfOneSide", "[settings.a]\ntx = [1, 2, 3, 4, 5, 6, 7]\n" + kOnePort,
                 "some.toml:1: settings.a.rx: goes with tx"},
         Mistake{"TooFewNumbers", "[settings.a]\ntx = [1]\nrx = [1, 2, 3, 4, 5]\n" + kOnePort,
@@ -332,6 +341,10 @@ INSTANTIATE_TEST_SUITE_P(
                     Mistake{"KeyOfManyParts", "a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a = 1\n",
                             "some.toml:1: a key of too many parts"}),
     mistakeName);
+
+TEST(DescriptionValues, MayBeThoseOfAllRegisters) {
+  EXPECT_EQ(errorOf(kOnePort + "rx_values = [" + zeros(32) + "]\n"), "no error");
+}
 
 TEST(DescriptionText, MayHaveAnyCharacterInQuotesAndRemarks) {
   const std::string text =

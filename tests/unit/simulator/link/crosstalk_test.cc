@@ -56,6 +56,18 @@ TEST(Crosstalk, IsAsStrongAsTheChannelSays) {
   EXPECT_NEAR(crosstalkPower(neighbours(kSender, kBaud8G), channel, {}, kBaud8G), usual / 10, usual * 1e-6);
 }
 
+TEST(Crosstalk, IsAtMostAllThatNeighboursSend) {
+  const auto power = [](double db) {
+    Channel channel = backplane(20);
+    channel.crosstalkDb = db;
+    return crosstalkPower(neighbours(kSender, kBaud8G), channel, {}, kBaud8G);
+  };
+  EXPECT_EQ(power(30), power(0));
+  EXPECT_LT(power(-1), power(0));
+  EXPECT_EQ(power(-1000), power(-200));
+  EXPECT_GT(power(-199), power(-200));
+}
+
 TEST(Crosstalk, OfTheFarEndPassesTheMedium) {
   const Aggressor aggressors[] = {{kSender, kBaud8G, 1, false}, {kSender, kBaud8G, 1, true}};
   const auto power = [&](double inches, bool farEnd) {

@@ -27,8 +27,10 @@ TEST(Drive, FollowsPower) {
   EXPECT_DOUBLE_EQ(driveAmplitude(transmitter), 0.12);
   transmitter.k = 0;
   EXPECT_EQ(driveAmplitude(transmitter), 0);
-  transmitter.k = UINT_MAX;
-  EXPECT_DOUBLE_EQ(driveAmplitude(transmitter), 0.6);
+  for (const unsigned beyond : {256U, UINT_MAX}) {
+    transmitter.k = beyond;
+    EXPECT_DOUBLE_EQ(driveAmplitude(transmitter), 0.6);
+  }
 }
 
 TEST(Ffe, DeEmphasisLowersSteadyLevelAndKeepsNyquist) {

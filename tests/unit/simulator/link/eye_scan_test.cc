@@ -137,8 +137,9 @@ TEST(EyeScan, OfNothingToReadIsCoinTosses) {
   const Transmitter silent{.k = 0};
   EyeScan none(silent, backplane(20), {}, kBaud8G, kBaud8G);
   EyeScan foreign(kSender, backplane(20), {}, kBaud8G, kBaud10G);
+  EyeScan tooFast(kSender, backplane(20), {}, kBaud8G, kBaud8G * (1 + 1.0003 * kCaptureRange));
   EyeScan unusable(kSender, backplane(20), {}, 0, 0);
-  for (EyeScan* scan : {&none, &foreign, &unusable}) {
+  for (EyeScan* scan : {&none, &foreign, &tooFast, &unusable}) {
     EXPECT_EQ(scan->exponent(0, 0), 3);
     EXPECT_EQ(scan->exponent(-7, 9), 3);
     EXPECT_EQ(scan->widthMilliUi(), 0);

@@ -119,6 +119,13 @@ TEST_F(StateFiles, BehindASymbolicLinkAreReplacedAndTheLinkStays) {
   EXPECT_NE(textOf(path()), before);
 }
 
+TEST_F(StateFiles, AreMadeWithThePermissionsThatTheUserLeaves) {
+  const ::mode_t before = ::umask(0);
+  keepNow(path());
+  (void)::umask(before);
+  EXPECT_EQ(fs::status(path()).permissions(), fs::perms(0666));
+}
+
 TEST_F(StateFiles, KeepTheirPermissions) {
   keepNow(path());
   ASSERT_EQ(::chmod(path().c_str(), 0640), 0);

@@ -370,5 +370,67 @@ TEST_F(CountedUpToAChange, AreBitErrorsThatCheckersFind) {
   expectCountedUpTo(begin);
 }
 
+// 232.4 million violations a second.
+TEST_F(Counters, CountBeyond32Bits) {
+  ASSERT_EQ(sw.setPortSpeed(id(2), SPEED_4G), kOk);
+  ASSERT_EQ(sw.setPortSpeed(id(3), SPEED_8G), kOk);
+  passSeconds(100);
+  EXPECT_GT(countersOf(2).decodeErrors.high, 0U);
+  EXPECT_NEAR(static_cast<double>(decodeErrors(2)) / (560.0 / 1024 * 425e6 * 100), 1, 1e-4);
+}
+
+// The receiver follows what it hears at 8G, for which the medium is not made.
+TEST(FrameErrors, AreNoneAtASpeedThatTheMediumDoesNotCarry) {
+  Switch sw(readDescription(kBenchSwitch + "[[asics.ports]]\nports = 1\nmedia_speeds = [\"4G\"]\n", "bench.toml"));
+  const port_id_t id = {.userPort = kNoUserPort, .asic = 0, .asicPort = 1, .unused = {}};
+  unsigned long status = 0;
+  ASSERT_EQ(sw.getPortInfo(id, PORT_INFO_STATE, &status), kOk);
+  ASSERT_EQ(status, kStatusNoSpeed);
+  for (int i = 0; i < 10; ++i)
+    (void)sw.beginCall({});
+  drv_counters_t counters;
+  ASSERT_EQ(sw.getCounters(id, &counters), kOk);
+  EXPECT_GT(counters.decodeErrors.low, 1000U);
+  EXPECT_EQ(counters.crcErrors.low, 0U);
+}
+
+// A port without others, which would have its errors counted as well.
+const std::string kLonePort = R"(
+clock = { kind = "virtual", step = 1000000 }
+[settings.slack]
+slew = 100
+[channels.long]
+fr4_inches = 32
+connectors = 2
+[[asics]]
+[[asics.cores]]
+cores = "0-1"
+type = 2
+[[asics.ports]]
+ports = 0
+kind = "GL"
+rx_core = 0
+tx_core = 1
+channel = "long"
+far_end = "loop"
+speed = "8G"
+cache = "slack"
+)";
+
+TEST_F(CountedUpToAChange, OfThePllOfEitherCoreAreErrorsOfALonePort) {
+  for (const unsigned core : {0U, 1U}) {
+    Switch lone(readDescription(kLonePort, "lone.toml"));
+    Switch left(readDescription(kLonePort, "lone.toml"));
+    pass(lone, 5);
+    pass(left, 5);
+    ASSERT_EQ(lone.writePllRegister(0, core, 1, 0), kOk);
+    drv_counters_t counted, expected;
+    ASSERT_EQ(lone.getCounters(id(0), &counted), kOk);
+    ASSERT_EQ(left.getCounters(id(0), &expected), kOk);
+    EXPECT_GT(whole(expected.decodeErrors), 1000U);
+    EXPECT_EQ(whole(counted.decodeErrors), whole(expected.decodeErrors)) << core;
+  }
+}
+
 }  // namespace
 }  // namespace simulator

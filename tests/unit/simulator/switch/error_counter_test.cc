@@ -13,8 +13,9 @@ namespace {
 constexpr std::uint64_t kSecond = 1'000'000;
 
 TEST(ErrorRate, TakesTheNearestMillionth) {
-  EXPECT_EQ(errorRate(1234.5678904).whole, 1234U);
-  EXPECT_EQ(errorRate(1234.5678904).millionths, 567890U);
+  EXPECT_EQ(errorRate(1234.56789049).whole, 1234U);
+  EXPECT_EQ(errorRate(1234.56789049).millionths, 567890U);
+  EXPECT_EQ(errorRate(1234.56789051).millionths, 567891U);
   EXPECT_EQ(errorRate(0.9999999).whole, 1U);
   EXPECT_EQ(errorRate(0.9999999).millionths, 0U);
 }
@@ -176,6 +177,12 @@ TEST(ErrorCounter, IsTheSameEverywhere) {
   EXPECT_EQ(arrivals(99, 9'876'543'210'123U, 123'456'789'012), 9876541925694U);
   EXPECT_EQ(arrivals(99, 0x7fffffffffffffffU, 123'456'789'012), 9223372036854775806U);
   EXPECT_EQ(arrivals(99, 0xffffffffffffffffU, 123'456'789'012), 18446744073709551615U);
+  std::uint64_t weighted = 0;
+  for (std::uint64_t seed = 0; seed < 500; ++seed) {
+    for (const std::uint64_t fraction : {0ULL, 250'000'000'000ULL, 500'000'000'000ULL, 999'999'999'999ULL})
+      weighted = 3 * weighted + arrivals(seed, seed * seed * seed * 5, fraction);
+  }
+  EXPECT_EQ(weighted, 1855689539872339725U);
 }
 
 }  // namespace

@@ -102,10 +102,15 @@ TEST_F(Stream, IsKeptByAPortWithoutLinks) {
 
 class SilentAtStart : public SwitchTest {
  protected:
-  SilentAtStart() : SwitchTest("[[asics.ports]]\nports = 3\nsends = false\n") {}
+  SilentAtStart() : SwitchTest("[[asics.ports]]\nports = \"3,8\"\nsends = false\n") {}
 };
 
 TEST_F(SilentAtStart, IsSilentUntilEnabled) {
+  for (const unsigned port : {3U, 8U}) {  // the latter has no links, whose registers would tell
+    bool enabled = true;
+    ASSERT_EQ(sw.getStream(id(port), &enabled), kOk);
+    EXPECT_FALSE(enabled) << port;
+  }
   EXPECT_EQ(statusOf(2), kStatusNoSignal);
   ASSERT_EQ(sw.setStream(id(3), true), kOk);
   EXPECT_EQ(statusOf(2), kPortStateRunning);

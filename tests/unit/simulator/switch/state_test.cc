@@ -87,15 +87,17 @@ TEST_F(State, OfAnotherShapeIsRefusedAndChangesNothing) {
   state = good;
   state.push_back({"more", {}});
   EXPECT_TRUE(refused(state)) << "a record too many";
-  state = good;
-  state[3].name += "x";
-  EXPECT_TRUE(refused(state)) << "another name";
-  state = good;
-  state.back().values.pop_back();
-  EXPECT_TRUE(refused(state)) << "a value too few";
-  state = good;
-  state[1].values.push_back(0);
-  EXPECT_TRUE(refused(state)) << "a value too many";
+  for (std::size_t i = 0; i < good.size(); ++i) {
+    state = good;
+    state[i].name += "x";
+    EXPECT_TRUE(refused(state)) << "another name than " << good[i].name;
+    state = good;
+    state[i].values.pop_back();
+    EXPECT_TRUE(refused(state)) << "a value too few of " << good[i].name;
+    state = good;
+    state[i].values.push_back(0);
+    EXPECT_TRUE(refused(state)) << "a value too many of " << good[i].name;
+  }
   EXPECT_TRUE(other.importState(good));
 }
 

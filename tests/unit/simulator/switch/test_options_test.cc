@@ -181,12 +181,18 @@ TEST_F(HoldDfe, AdaptingAnewTakesTheTapsOfNowAndHoldsThem) {
   EXPECT_EQ(statsOf(1).h, after.h);
 }
 
+TEST_F(HoldDfe, AdaptingAnewLeavesAFreeOneFree) {
+  ASSERT_EQ(sw.setTestOption(0, 1, 0, kTestReadapt, 0), kOk);
+  EXPECT_EQ(testStatus(1, kTestHoldDfe), 0);
+}
+
 TEST_F(HoldDfe, IsForSerDesThatHaveADfe) {
   EXPECT_EQ(sw.setTestOption(0, 7, 0, kTestHoldDfe, 0), kNotSupported);
   EXPECT_EQ(sw.setTestOption(0, 7, 0, kTestReadapt, 0), kNotSupported);
   int status = 0;
   EXPECT_EQ(sw.getTestStatus(0, 7, 0, kTestHoldDfe, &status), kNotSupported);
   EXPECT_EQ(sw.setTestOption(0, 6, -1, kTestHoldDfe, 0), kOk);
+  EXPECT_EQ(sw.setTestOption(0, 8, -1, kTestHoldDfe, 0), kOk) << "no link, and so none that has none";
 }
 
 // The exponent, in tenths, at a point of a port's eye.
