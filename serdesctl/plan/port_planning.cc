@@ -372,7 +372,7 @@ class PortPlanner {
         command + (ffe ? " " + text(static_cast<const FfeValues&>(then)) : "") + (slew ? " " + text(then.slewPs) : ""),
         Effect::kAdapt, [=](PortState& port) {
           for (LiveTx& link : port.tx) {
-            if (ffe) static_cast<FfeValues&>(link) = then;
+            if (ffe) static_cast<FfeValues&>(link) = static_cast<const FfeValues&>(then);
             if (!slew) continue;
             link.slewPs = then.slewPs;
             link.slewUnnamed = false;
@@ -425,7 +425,7 @@ class PortPlanner {
         Effect::kAdapt, [=](PortState& port) {
           for (LiveRx& link : port.rx) {
             if (dfe) link.dfeMode = then.dfeMode;
-            if (vga) static_cast<VgaValues&>(link) = then;
+            if (vga) static_cast<VgaValues&>(link) = static_cast<const VgaValues&>(then);
           }
         });
   }
