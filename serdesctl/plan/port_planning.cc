@@ -8,6 +8,7 @@
 
 #include "display/name_tables.h"
 #include "serdesctl/plan/predicting.h"
+#include "serdesctl/state/saying.h"
 
 namespace serdesctl {
 namespace {
@@ -56,44 +57,11 @@ bool same(const TxRawValues& a, const TxRawValues& b) {
 bool same(const RxRawValues& a, const RxRawValues& b) {
   return a.mode == b.mode && a.p == b.p;
 }
-bool same(const FfeValues& a, const FfeValues& b) {
-  return text(a) == text(b);
-}
-bool same(const VgaValues& a, const VgaValues& b) {
-  return text(a) == text(b);
-}
 bool sameSlew(const LiveTx& a, const LiveTx& b) {
   return a.slewPs == b.slewPs && a.slewUnnamed == b.slewUnnamed;
 }
 bool sameMode(const LiveRx& a, const LiveRx& b) {
   return a.dfeMode == b.dfeMode;
-}
-
-template <typename Value>
-void overlay(std::optional<Value>& to, const std::optional<Value>& from) {
-  if (from) to = from;
-}
-
-LiveTx overlaid(LiveTx now, const LiveTx& wanted) {
-  overlay(now.ffeMode, wanted.ffeMode);
-  overlay(now.k, wanted.k);
-  overlay(now.c0, wanted.c0);
-  overlay(now.c1, wanted.c1);
-  overlay(now.c2, wanted.c2);
-  overlay(now.c3, wanted.c3);
-  if (wanted.slewPs || wanted.slewUnnamed) {
-    now.slewPs = wanted.slewPs;
-    now.slewUnnamed = wanted.slewUnnamed;
-  }
-  return now;
-}
-
-LiveRx overlaid(LiveRx now, const LiveRx& wanted) {
-  overlay(now.dfeMode, wanted.dfeMode);
-  overlay(now.pole, wanted.pole);
-  overlay(now.peak, wanted.peak);
-  overlay(now.amax, wanted.amax);
-  return now;
 }
 
 // What links are and are to be; links that there are not are left out.
@@ -116,12 +84,12 @@ template <typename Link>
 Goal<Link> goalOf(const std::vector<Link>& now, const std::vector<Link>& wanted) {
   Goal<Link> goal{now, now};
   for (std::size_t i = 0; i < std::min(now.size(), wanted.size()); ++i)
-    goal.then[i] = overlaid(now[i], wanted[i]);
+    overlay(goal.then[i], wanted[i]);
   return goal;
 }
 
-const auto kSameFfe = [](const LiveTx& a, const LiveTx& b) { return same(static_cast<const FfeValues&>(a), b); };
-const auto kSameVga = [](const LiveRx& a, const LiveRx& b) { return same(static_cast<const VgaValues&>(a), b); };
+const auto kSameFfe = [](const LiveTx& a, const LiveTx& b) { return static_cast<const FfeValues&>(a) == b; };
+const auto kSameVga = [](const LiveRx& a, const LiveRx& b) { return static_cast<const VgaValues&>(a) == b; };
 const auto kSameTx = [](const LiveTx& a, const LiveTx& b) { return text(a) == text(b); };
 const auto kSameRx = [](const LiveRx& a, const LiveRx& b) { return text(a) == text(b); };
 
@@ -130,12 +98,6 @@ bool isByte(const std::optional<std::int32_t>& value) {
   return value && -128 <= *value && *value <= 127;
 }
 
-bool isKnown(const FfeValues& r) {
-  return r.ffeMode && r.k && r.c0 && r.c1 && r.c2 && r.c3;
-}
-bool isKnown(const VgaValues& r) {
-  return r.pole && r.peak && r.amax;
-}
 bool knownSlew(const LiveTx& r) {
   return r.slewPs || r.slewUnnamed;
 }
@@ -382,7 +344,7 @@ class PortPlanner {
 
   bool canSetFfe(const Goal<LiveTx>& goal) {
     const FfeValues& then = goal.then.front();
-    const auto known = [](const LiveTx& link) { return isKnown(static_cast<const FfeValues&>(link)); };
+    const auto known = [](const LiveTx& link) { return saysAll(static_cast<const FfeValues&>(link)); };
     if (!canSet("ffe", goal, kSameFfe, known, text(then), unfit(then))) return false;
     if (then.ffeMode != kNoFfe) return true;
     refuse("ffe", text(then), "the tool has no keyword for FFENone", orThroughCache("FFE2 with c2 = 0 sends the same"));
@@ -437,7 +399,7 @@ class PortPlanner {
 
   bool canSetVga(const Goal<LiveRx>& goal) {
     const VgaValues& then = goal.then.front();
-    const auto known = [](const LiveRx& link) { return isKnown(static_cast<const VgaValues&>(link)); };
+    const auto known = [](const LiveRx& link) { return saysAll(static_cast<const VgaValues&>(link)); };
     return canSet("vga", goal, kSameVga, known, text(then), unfit(then));
   }
 

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "display/name_tables.h"
+#include "serdesctl/state/saying.h"
 
 namespace serdesctl {
 namespace {
@@ -86,17 +87,12 @@ void applyToAll(const Cache& cache, std::vector<Link>& links, bool ethernet) {
     ethernet ? applyEthernet(cache, link) : apply(cache, link);
 }
 
-bool complete(const FfeValues& r) {
-  return r.ffeMode && r.k && r.c0 && r.c1 && r.c2 && r.c3;
-}
-
 // Whether putting the cache into force gives just this.
 bool gives(const TxRawValues& cache, const LiveTx& live, bool ethernet) {
   LiveTx result = live;
   result.ffeMode.reset();
   ethernet ? applyEthernet(cache, result) : apply(cache, result);
-  return result.ffeMode == live.ffeMode && result.k == live.k && result.c0 == live.c0 && result.c1 == live.c1 &&
-         result.c2 == live.c2 && result.c3 == live.c3;
+  return static_cast<const FfeValues&>(result) == live;
 }
 
 }  // namespace
@@ -137,7 +133,7 @@ void putIntoForce(PortState& port, const std::string& rate, EthernetSides ethern
 }
 
 std::optional<TxRawValues> cacheFor(const LiveTx& live, const TxRawValues& otherwise, bool ethernet) {
-  if (!complete(live)) return std::nullopt;
+  if (!saysAll<FfeValues>(live)) return std::nullopt;
   TxRawValues cache = otherwise;
   if (ethernet) {
     cache.power = *live.k / kStepOfK;

@@ -9,6 +9,7 @@
 #include "display/name_tables.h"
 #include "serdesctl/asking/asked_switch.h"
 #include "serdesctl/base/tool_facts.h"
+#include "serdesctl/state/saying.h"
 #include "serdesctl/tables/config_records.h"
 #include "topology/serdes_topology.h"
 
@@ -30,20 +31,6 @@ void eachNamed(const PortSelector& selector, const AsicState& asic, const PortSt
 
 bool allowsPort(const std::set<std::uint32_t>& ports, const std::optional<std::uint32_t>& port) {
   return ports.empty() || (port && ports.contains(*port));
-}
-
-// Whether a record says anything, and all of it.
-template <typename Group>
-bool saysAny(const Group& group) {
-  bool any = false;
-  eachField(group, [&](const char*, const auto& value) { any = any || value.has_value(); });
-  return any;
-}
-template <typename Group>
-bool saysAll(const Group& group) {
-  bool all = true;
-  eachField(group, [&](const char*, const auto& value) { all = all && value.has_value(); });
-  return all;
 }
 
 bool saysAnyTx(const LiveTx& tx) {
@@ -183,31 +170,7 @@ std::vector<SelectedPorts> select(const SettingsFile& file, const SwitchState& n
   return selected;
 }
 
-template <typename Value>
-void overlay(Value& under, const std::optional<Value>& over) {
-  if (over) under = *over;
-}
-template <typename Value>
-void overlay(std::optional<Value>& under, const std::optional<Value>& over) {
-  if (over) under = over;
-}
-
-void overlay(LiveTx& under, const LiveTx& over) {
-  overlay(under.ffeMode, over.ffeMode);
-  overlay(under.k, over.k);
-  overlay(under.c0, over.c0);
-  overlay(under.c1, over.c1);
-  overlay(under.c2, over.c2);
-  overlay(under.c3, over.c3);
-  overlay(under.slewPs, over.slewPs);
-}
-
-void overlay(LiveRx& under, const LiveRx& over) {
-  overlay(under.dfeMode, over.dfeMode);
-  overlay(under.pole, over.pole);
-  overlay(under.peak, over.peak);
-  overlay(under.amax, over.amax);
-}
+using serdesctl::overlay;  // of single values and links; these here are of what a file declares
 
 void overlay(EthernetSettings& under, const EthernetSettings& over) {
   overlay(under.power, over.power);

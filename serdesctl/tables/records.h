@@ -43,6 +43,8 @@ struct FfeValues {
   std::optional<std::int32_t> c1;
   std::optional<std::int32_t> c2;
   std::optional<std::int32_t> c3;
+
+  bool operator==(const FfeValues&) const = default;
 };
 
 struct SlewValue {
@@ -79,6 +81,8 @@ struct VgaValues {
   std::optional<std::int32_t> pole;
   std::optional<std::int32_t> peak;
   std::optional<std::int32_t> amax;
+
+  bool operator==(const VgaValues&) const = default;
 };
 
 struct RxRawValues {

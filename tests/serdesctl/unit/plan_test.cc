@@ -574,6 +574,27 @@ TEST_F(Plans, WhatTheToolHasNoWordsFor) {
              "tx link 4 - - - - - - -: the port has no such link", "ASIC settings: the switch has no such ASIC"}));
 }
 
+TEST_F(Plans, NumbersBeyondEightBitsAreNotSent) {
+  LiveTx& tx = want(3).tx[0];
+  for (const auto value : {&FfeValues::k, &FfeValues::c0, &FfeValues::c1, &FfeValues::c2, &FfeValues::c3}) {
+    for (const std::int32_t wrong : {-129, 256}) {
+      const LiveTx before = tx;
+      tx.*value = wrong;
+      EXPECT_EQ(commands(), Lines());
+      EXPECT_EQ(reasons().size(), 1U);
+      tx = before;
+    }
+  }
+  LiveRx& rx = want(3).rx[0];
+  for (const auto value : {&VgaValues::pole, &VgaValues::peak, &VgaValues::amax}) {
+    const LiveRx before = rx;
+    rx.*value = 128;
+    EXPECT_EQ(commands(), Lines());
+    EXPECT_EQ(reasons().size(), 1U);
+    rx = before;
+  }
+}
+
 TEST_F(Plans, ALinkThatDiffersFromTheOthersIsBroughtIntoLine) {
   current_.asics[0].ports[8].tx[3].c2 = -1;
   for (LiveTx& link : want(8).tx)
