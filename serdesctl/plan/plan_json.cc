@@ -4,8 +4,8 @@
 #include <array>
 #include <cstdio>
 #include <limits>
-#include <type_traits>
 
+#include "serdesctl/state/diff_report.h"
 #include "serdesctl/state/state_json.h"
 
 namespace serdesctl {
@@ -14,18 +14,6 @@ namespace {
 constexpr int kSchemaVersion = 1;
 constexpr const char* kKind = "plan";
 constexpr std::int64_t kMostNumber = std::numeric_limits<std::uint32_t>::max();
-
-Json valueJson(const SettingValue& value) {
-  return std::visit(
-      [](const auto& held) {
-        if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::monostate>) {
-          return Json();
-        } else {
-          return Json(held);
-        }
-      },
-      value);
-}
 
 SettingValue readValue(const JsonPlace& place) {
   if (place.isNull()) return {};

@@ -35,18 +35,6 @@ std::vector<std::pair<const char*, const std::vector<Difference>*>> listsOf(cons
           {"observation", &comparison.observations}};
 }
 
-Json valueJson(const SettingValue& value) {
-  return std::visit(
-      [](const auto& held) {
-        if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::monostate>) {
-          return Json();
-        } else {
-          return Json(held);
-        }
-      },
-      value);
-}
-
 Json placeJson(const SettingPlace& place) {
   return {{"asic", json(place.asic)}, {"port", json(place.port)}, {"user_port", json(place.userPort)},
           {"core", json(place.core)}, {"side", json(place.side)}, {"link", json(place.link)},
@@ -61,6 +49,18 @@ Json placesJson(const std::vector<SettingPlace>& places) {
 }
 
 }  // namespace
+
+Json valueJson(const SettingValue& value) {
+  return std::visit(
+      [](const auto& held) {
+        if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::monostate>) {
+          return Json();
+        } else {
+          return Json(held);
+        }
+      },
+      value);
+}
 
 std::string textDiff(const Comparison& comparison, const ComparedNames& names, bool colour) {
   std::string text;

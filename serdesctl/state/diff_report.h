@@ -21,6 +21,9 @@ std::string textDiff(const Comparison& comparison, const ComparedNames& names, b
 // One object, all differences among its records.
 std::string jsonDiff(const Comparison& comparison, const ComparedNames& names);
 
+// A value of a difference: null where nobody knows it.
+nlohmann::ordered_json valueJson(const SettingValue& value);
+
 // The records of that object.
 nlohmann::ordered_json differenceRecords(const Comparison& comparison);
 
