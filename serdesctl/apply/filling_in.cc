@@ -1,40 +1,36 @@
 // Filling in, value by value.
 #include "serdesctl/apply/filling_in.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <optional>
+#include <vector>
 
 #include "serdesctl/plan/places.h"
+#include "serdesctl/state/saying.h"
 
 namespace serdesctl {
 namespace {
 
 template <typename Value>
-void fillIn(std::optional<Value>& known, const std::optional<Value>& predicted) {
-  if (!known) known = predicted;
+void fillIn(Value& known, const Value& predicted) {
+  Value whole = predicted;
+  overlay(whole, known);
+  known = whole;
 }
 
-template <typename List>
-void fillInMissing(List& known, const List& predicted) {
-  if (known.size() < predicted.size()) known = predicted;
+template <typename Link>
+void fillIn(std::vector<Link>& known, const std::vector<Link>& predicted) {
+  known.resize(std::max(known.size(), predicted.size()));
+  for (std::size_t i = 0; i < predicted.size(); ++i)
+    fillIn(known[i], predicted[i]);
 }
 
 void fillIn(PortState& known, const PortState& predicted) {
   fillIn(known.configRate, predicted.configRate);
   fillIn(known.streamEnabled, predicted.streamEnabled);
   fillIn(known.observed.runningRate, predicted.observed.runningRate);
-  fillInMissing(known.tx, predicted.tx);
-  fillInMissing(known.rx, predicted.rx);
-  for (std::size_t i = 0; i < predicted.tx.size(); ++i) {
-    if (!known.tx[i].ffeMode) static_cast<FfeValues&>(known.tx[i]) = predicted.tx[i];
-    if (known.tx[i].slewPs || known.tx[i].slewUnnamed) continue;
-    known.tx[i].slewPs = predicted.tx[i].slewPs;
-    known.tx[i].slewUnnamed = predicted.tx[i].slewUnnamed;
-  }
-  for (std::size_t i = 0; i < predicted.rx.size(); ++i) {
-    fillIn(known.rx[i].dfeMode, predicted.rx[i].dfeMode);
-    if (!known.rx[i].pole) static_cast<VgaValues&>(known.rx[i]) = predicted.rx[i];
-  }
+  fillIn(known.tx, predicted.tx);
+  fillIn(known.rx, predicted.rx);
   known.txCaches.insert(predicted.txCaches.begin(), predicted.txCaches.end());
   known.rxCaches.insert(predicted.rxCaches.begin(), predicted.rxCaches.end());
 }

@@ -33,7 +33,7 @@ class Collector {
   void add(const Difference& where, const std::vector<SettingValue>& left, bool anything = false) {
     Touched& touched = all_.try_emplace(keyOf(where), Touched{where, {}, false}).first->second;
     touched.left.insert(touched.left.end(), left.begin(), left.end());
-    touched.anything = touched.anything || anything;
+    if (anything) touched.anything = true;
   }
 
   std::map<Key, Touched> take() && {
@@ -49,17 +49,16 @@ using Place = std::pair<std::uint32_t, std::uint32_t>;  // ASIC and port
 // The ports whose live settings a speed may have changed: those that it was set for, and far ends that follow.
 std::set<Place> retrained(const std::vector<PlannedStep>& steps, const SwitchState& before) {
   std::set<Place> ports;
-  bool any = false;
   for (const PlannedStep& step : steps) {
     if (step.effect != Effect::kRetrain) continue;
-    any = true;
     for (std::uint32_t port = 0; port < 32; ++port) {
       if ((step.ports >> port & 1) != 0) ports.emplace(step.asic, port);
     }
   }
+  if (ports.empty()) return ports;
   for (const AsicState& asic : before.asics) {
     for (const PortState& port : asic.ports) {
-      if (any && port.configRate && *port.configRate == "AUTO") ports.emplace(asic.asic, port.port);
+      if (port.configRate == "AUTO") ports.emplace(asic.asic, port.port);
     }
   }
   return ports;

@@ -10,12 +10,12 @@
 namespace serdesctl {
 namespace {
 
-// A slew that has no name is a value too.
-template <typename Ps, typename Unnamed>
-struct SlewReference {
-  Ps& ps;
-  Unnamed& unnamed;
-};
+LiveSlew& slewOf(LiveTx& r) {
+  return r;
+}
+const LiveSlew& slewOf(const LiveTx& r) {
+  return r;
+}
 
 template <typename Link, typename Visit>
 void eachLiveField(Link& r, Visit&& visit) {
@@ -26,7 +26,7 @@ void eachLiveField(Link& r, Visit&& visit) {
     visit("c1", r.c1);
     visit("c2", r.c2);
     visit("c3", r.c3);
-    visit("slew_ps", SlewReference<decltype((r.slewPs)), decltype((r.slewUnnamed))>{r.slewPs, r.slewUnnamed});
+    visit("slew_ps", slewOf(r));
   } else {
     visit("dfe_mode", r.dfeMode);
     visit("pole", r.pole);
@@ -76,9 +76,9 @@ template <typename Value>
 SettingValue read(const std::optional<Value>& value) {
   return value ? SettingValue(*value) : SettingValue();
 }
-template <typename Ps, typename Unnamed>
-SettingValue read(const SlewReference<Ps, Unnamed>& slew) {
-  return slew.unnamed ? SettingValue(kUnnamed) : read(slew.ps);
+// A slew that has no name is a value too.
+SettingValue read(const LiveSlew& slew) {
+  return slew.slewUnnamed ? SettingValue(kUnnamed) : read(slew.slewPs);
 }
 
 void write(std::int32_t& to, const SettingValue& value) {
@@ -91,11 +91,10 @@ template <typename Value>
 void write(std::optional<Value>& to, const SettingValue& value) {
   if (const auto* typed = std::get_if<Value>(&value)) to = *typed;
 }
-template <typename Ps, typename Unnamed>
-void write(const SlewReference<Ps, Unnamed>& to, const SettingValue& value) {
-  to.ps.reset();
-  write(to.ps, value);
-  to.unnamed = !to.ps;
+void write(LiveSlew& to, const SettingValue& value) {
+  to.slewPs.reset();
+  write(to.slewPs, value);
+  to.slewUnnamed = !to.slewPs;
 }
 
 template <typename Parts, typename Number>

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <initializer_list>
 #include <optional>
 #include <utility>
 
@@ -30,8 +32,16 @@ std::string text(const FfeValues& r) {
   return words({r.ffeMode.value_or("-"), text(r.k), text(r.c0), text(r.c1), text(r.c2), text(r.c3)});
 }
 
+std::string text(const LiveSlew& r) {
+  return r.slewUnnamed ? kUnnamed : text(r.slewPs);
+}
+
 std::string text(const LiveTx& r) {
-  return text(static_cast<const FfeValues&>(r)) + " " + (r.slewUnnamed ? kUnnamed : text(r.slewPs));
+  return text(static_cast<const FfeValues&>(r)) + " " + text(static_cast<const LiveSlew&>(r));
+}
+
+std::string text(const DfeModeValue& r) {
+  return r.dfeMode.value_or("-");
 }
 
 std::string text(const VgaValues& r) {
@@ -39,7 +49,7 @@ std::string text(const VgaValues& r) {
 }
 
 std::string text(const LiveRx& r) {
-  return r.dfeMode.value_or("-") + " " + text(static_cast<const VgaValues&>(r));
+  return text(static_cast<const DfeModeValue&>(r)) + " " + text(static_cast<const VgaValues&>(r));
 }
 
 std::string rawWords(const std::string& rate, const TxRawValues& r) {
@@ -51,32 +61,19 @@ std::string rawWords(const std::string& rate, const RxRawValues& r) {
   return words({"setRxParamsRaw asic", rate, text(r.mode), text(r.p[0]), text(r.p[1]), text(r.p[2]), text(r.p[3])});
 }
 
-bool same(const TxRawValues& a, const TxRawValues& b) {
-  return a.power == b.power && a.slew == b.slew && a.mode == b.mode && a.p == b.p;
-}
-bool same(const RxRawValues& a, const RxRawValues& b) {
-  return a.mode == b.mode && a.p == b.p;
-}
-bool sameSlew(const LiveTx& a, const LiveTx& b) {
-  return a.slewPs == b.slewPs && a.slewUnnamed == b.slewUnnamed;
-}
-bool sameMode(const LiveRx& a, const LiveRx& b) {
-  return a.dfeMode == b.dfeMode;
-}
-
-// What links are and are to be; links that there are not are left out.
+// What links are and are to be, as a whole or by a part of their settings; links that there are not are left out.
 template <typename Link>
 struct Goal {
   std::vector<Link> now;
   std::vector<Link> then;
 
-  template <typename Same>
-  bool differs(Same isSame) const {
-    return !std::equal(now.begin(), now.end(), then.begin(), isSame);
+  template <typename Part = Link>
+  bool differs() const {
+    return !std::equal(now.begin(), now.end(), then.begin(), std::equal_to<Part>());
   }
-  template <typename Same>
-  bool alike(Same isSame) const {
-    return std::all_of(then.begin(), then.end(), [&](const Link& link) { return isSame(link, then.front()); });
+  template <typename Part = Link>
+  bool alike() const {
+    return std::adjacent_find(then.begin(), then.end(), std::not_equal_to<Part>()) == then.end();
   }
 };
 
@@ -88,21 +85,17 @@ Goal<Link> goalOf(const std::vector<Link>& now, const std::vector<Link>& wanted)
   return goal;
 }
 
-const auto kSameFfe = [](const LiveTx& a, const LiveTx& b) { return static_cast<const FfeValues&>(a) == b; };
-const auto kSameVga = [](const LiveRx& a, const LiveRx& b) { return static_cast<const VgaValues&>(a) == b; };
-const auto kSameTx = [](const LiveTx& a, const LiveTx& b) { return text(a) == text(b); };
-const auto kSameRx = [](const LiveRx& a, const LiveRx& b) { return text(a) == text(b); };
-
 // Only 8 bits of a number reach the hardware.
-bool isByte(const std::optional<std::int32_t>& value) {
-  return value && -128 <= *value && *value <= 127;
+bool areBytes(std::initializer_list<std::optional<std::int32_t>> values) {
+  return std::all_of(values.begin(), values.end(), [](const auto& value) { return value >= -128 && value <= 127; });
 }
 
-bool knownSlew(const LiveTx& r) {
-  return r.slewPs || r.slewUnnamed;
+template <typename Part>
+bool isKnown(const Part& r) {
+  return saysAll(r);
 }
-bool knownMode(const LiveRx& r) {
-  return r.dfeMode.has_value();
+bool isKnown(const LiveSlew& r) {
+  return r.slewPs || r.slewUnnamed;
 }
 
 constexpr const char* kUnknown = "the tool does not show what it is now";
@@ -117,15 +110,14 @@ bool isNamed(const std::array<ValueName, kCount>& names, const std::optional<std
 std::string unfit(const FfeValues& r) {
   if (r.ffeMode == kUnnamed) return "the tool has no name for the mode";
   if (!isNamed(ffeModeNames, r.ffeMode)) return "there is no mode " + r.ffeMode.value_or("-");
-  const bool bytes = isByte(r.c0) && isByte(r.c1) && isByte(r.c2) && isByte(r.c3);
-  return r.k < 0 || r.k > 255 || !bytes ? kEightBits : "";
+  return r.k < 0 || r.k > 255 || !areBytes({r.c0, r.c1, r.c2, r.c3}) ? kEightBits : "";
 }
 
 std::string unfit(const VgaValues& r) {
-  return isByte(r.pole) && isByte(r.peak) && isByte(r.amax) ? "" : kEightBits;
+  return areBytes({r.pole, r.peak, r.amax}) ? "" : kEightBits;
 }
 
-std::string unfitSlew(const LiveTx& r) {
+std::string unfit(const LiveSlew& r) {
   if (r.slewUnnamed) return "the tool has no name for the slew";
   const auto& names = slewRateNames;
   const bool known =
@@ -133,9 +125,9 @@ std::string unfitSlew(const LiveTx& r) {
   return known ? "" : "there is no slew of " + text(r.slewPs) + " ps";
 }
 
-std::string unfitMode(const LiveRx& r) {
+std::string unfit(const DfeModeValue& r) {
   if (r.dfeMode == kUnnamed) return "the tool has no name for the mode";
-  return isNamed(dfeModeNames, r.dfeMode) ? "" : "there is no mode " + r.dfeMode.value_or("-");
+  return isNamed(dfeModeNames, r.dfeMode) ? "" : "there is no mode " + text(r);
 }
 
 SettingPlace placeOf(const AsicState& asic, std::uint32_t port) {
@@ -219,7 +211,7 @@ class PortPlanner {
   template <typename Caches>
   void setCaches(Phase phase, Caches PortState::*caches, const Caches& then) {
     for (const auto& [rate, values] : then) {
-      if (same((model_.*caches).at(rate), values)) continue;
+      if ((model_.*caches).at(rate) == values) continue;
       add(phase, rawWords(rate, values), Effect::kNothing,
           [caches, rate = rate, values = values](PortState& port) { (port.*caches)[rate] = values; });
     }
@@ -286,19 +278,19 @@ class PortPlanner {
 
   bool takeTx(const PortState& predicted, const std::string& rate, std::map<std::string, TxRawValues>& caches) const {
     const auto goal = goalOf(predicted.tx, wanted_.tx);
-    if (goal.now.empty() || !caches.contains(rate) || !goal.alike(kSameTx)) return false;
-    const bool nameless = goal.differs(kSameFfe) && goal.then.front().ffeMode == kNoFfe;
-    if (!nameless && !(ethernet_.tx && goal.differs(kSameTx))) return false;
-    const auto cache = cacheFor(goal.then.front(), caches.at(rate), ethernet_.tx);
-    if (cache) caches.at(rate) = *cache;
-    return cache.has_value();
+    const bool nameless = goal.differs<FfeValues>() && goal.then.front().ffeMode == kNoFfe;
+    return (nameless || ethernet_.tx) && take(goal, ethernet_.tx, rate, caches);
   }
 
   bool takeRx(const PortState& predicted, const std::string& rate, std::map<std::string, RxRawValues>& caches) const {
-    const auto goal = goalOf(predicted.rx, wanted_.rx);
-    if (goal.now.empty() || !caches.contains(rate) || !goal.alike(kSameRx)) return false;
-    if (!ethernet_.rx || !goal.differs(kSameRx)) return false;
-    const auto cache = cacheFor(goal.then.front(), caches.at(rate), ethernet_.rx);
+    return take(goalOf(predicted.rx, wanted_.rx), ethernet_.rx, rate, caches);
+  }
+
+  template <typename Link, typename Cache>
+  static bool take(const Goal<Link>& goal, bool ethernet, const std::string& rate,
+                   std::map<std::string, Cache>& caches) {
+    if (!goal.differs() || !goal.alike() || !caches.contains(rate)) return false;
+    const auto cache = cacheFor(goal.then.front(), caches.at(rate), ethernet);
     if (cache) caches.at(rate) = *cache;
     return cache.has_value();
   }
@@ -323,11 +315,11 @@ class PortPlanner {
   void planLiveTx() {
     refuseMissingLinks(model_.tx, wanted_.tx, "tx");
     const auto goal = goalOf(model_.tx, wanted_.tx);
-    if (!goal.differs(kSameTx)) return;
+    if (!goal.differs()) return;
     const LiveTx then = goal.then.front();
     if (ethernet_.tx) return refuse("transmit", text(then), kEthernetLive, orThroughCache("they stay as they are"));
-    const bool ffe = goal.differs(kSameFfe) && canSetFfe(goal);
-    const bool slew = goal.differs(sameSlew) && canSetSlew(goal);
+    const bool ffe = goal.differs<FfeValues>() && canSetFfe(goal);
+    const bool slew = goal.differs<LiveSlew>() && canSet<LiveSlew>("slew", goal);
     if (!ffe && !slew) return;
     const std::string command = ffe && slew ? "setTxParams" : ffe ? "setFFE" : "setSlew";
     add(Phase::kLive,
@@ -335,37 +327,29 @@ class PortPlanner {
         Effect::kAdapt, [=](PortState& port) {
           for (LiveTx& link : port.tx) {
             if (ffe) static_cast<FfeValues&>(link) = static_cast<const FfeValues&>(then);
-            if (!slew) continue;
-            link.slewPs = then.slewPs;
-            link.slewUnnamed = false;
+            if (slew) static_cast<LiveSlew&>(link) = static_cast<const LiveSlew&>(then);
           }
         });
   }
 
   bool canSetFfe(const Goal<LiveTx>& goal) {
     const FfeValues& then = goal.then.front();
-    const auto known = [](const LiveTx& link) { return saysAll(static_cast<const FfeValues&>(link)); };
-    if (!canSet("ffe", goal, kSameFfe, known, text(then), unfit(then))) return false;
+    if (!canSet<FfeValues>("ffe", goal)) return false;
     if (then.ffeMode != kNoFfe) return true;
     refuse("ffe", text(then), "the tool has no keyword for FFENone", orThroughCache("FFE2 with c2 = 0 sends the same"));
     return false;
   }
 
-  bool canSetSlew(const Goal<LiveTx>& goal) {
-    const LiveTx& then = goal.then.front();
-    return canSet("slew", goal, sameSlew, knownSlew, then.slewUnnamed ? kUnnamed : text(then.slewPs), unfitSlew(then));
-  }
-
   // Whether one command can set what is wanted; says so where it cannot.
-  template <typename Link, typename Same, typename Known>
-  bool canSet(const char* what, const Goal<Link>& goal, Same isSame, Known isKnownLink, const std::string& wanted,
-              const std::string& reason) {
-    if (!goal.alike(isSame)) {
-      refuse(what, "links that differ", kLinksDiffer, "all as link 0: " + wanted);
-    } else if (!std::all_of(goal.now.begin(), goal.now.end(), isKnownLink)) {
-      refuse(what, wanted, kUnknown, "it stays as it is");
+  template <typename Part, typename Link>
+  bool canSet(const char* what, const Goal<Link>& goal) {
+    const Part& then = goal.then.front();
+    const bool known = std::all_of(goal.now.begin(), goal.now.end(), [](const Part& link) { return isKnown(link); });
+    const std::string reason = known ? unfit(then) : kUnknown;
+    if (!goal.template alike<Part>()) {
+      refuse(what, "links that differ", kLinksDiffer, "all as link 0: " + text(then));
     } else if (!reason.empty()) {
-      refuse(what, wanted, reason, "it stays as it is");
+      refuse(what, text(then), reason, "it stays as it is");
     } else {
       return true;
     }
@@ -375,32 +359,21 @@ class PortPlanner {
   void planLiveRx() {
     refuseMissingLinks(model_.rx, wanted_.rx, "rx");
     const auto goal = goalOf(model_.rx, wanted_.rx);
-    if (!goal.differs(kSameRx)) return;
+    if (!goal.differs()) return;
     const LiveRx then = goal.then.front();
     if (ethernet_.rx) return refuse("receive", text(then), kEthernetLive, orThroughCache("they stay as they are"));
-    const bool dfe = goal.differs(sameMode) && canSetDfe(goal);
-    const bool vga = goal.differs(kSameVga) && canSetVga(goal);
+    const bool dfe = goal.differs<DfeModeValue>() && canSet<DfeModeValue>("dfe", goal);
+    const bool vga = goal.differs<VgaValues>() && canSet<VgaValues>("vga", goal);
     if (!dfe && !vga) return;
     const std::string command = dfe && vga ? "setRxParams" : dfe ? "setDFE" : "setVGA";
     add(Phase::kLive,
         command + (dfe ? " " + *then.dfeMode : "") + (vga ? " " + text(static_cast<const VgaValues&>(then)) : ""),
         Effect::kAdapt, [=](PortState& port) {
           for (LiveRx& link : port.rx) {
-            if (dfe) link.dfeMode = then.dfeMode;
+            if (dfe) static_cast<DfeModeValue&>(link) = static_cast<const DfeModeValue&>(then);
             if (vga) static_cast<VgaValues&>(link) = static_cast<const VgaValues&>(then);
           }
         });
-  }
-
-  bool canSetDfe(const Goal<LiveRx>& goal) {
-    const LiveRx& then = goal.then.front();
-    return canSet("dfe", goal, sameMode, knownMode, then.dfeMode.value_or("-"), unfitMode(then));
-  }
-
-  bool canSetVga(const Goal<LiveRx>& goal) {
-    const VgaValues& then = goal.then.front();
-    const auto known = [](const LiveRx& link) { return saysAll(static_cast<const VgaValues&>(link)); };
-    return canSet("vga", goal, kSameVga, known, text(then), unfit(then));
   }
 
   void planStream() {

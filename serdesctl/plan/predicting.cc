@@ -35,17 +35,17 @@ std::optional<std::string> nameOf(std::span<const ValueName> names, std::int32_t
 }
 
 std::optional<std::int32_t> valueOf(std::span<const ValueName> names, const std::optional<std::string>& name) {
-  for (std::size_t i = 0; name && i < names.size(); ++i) {
-    if (*name == names[i].name) return static_cast<std::int32_t>(i);
-  }
-  return std::nullopt;
+  const auto found = std::find_if(names.begin(), names.end(), [&](const ValueName& n) { return name == n.name; });
+  return found == names.end() ? std::nullopt : std::optional(static_cast<std::int32_t>(found - names.begin()));
 }
 
-std::optional<std::int32_t> slewNumber(std::int32_t ps) {
-  for (std::size_t i = 0; i < slewRateNames.size(); ++i) {
-    if (std::to_string(ps) == slewRateNames[i].shortName) return static_cast<std::int32_t>(i);
-  }
-  return std::nullopt;
+// The number of a slew rate; nothing for one that has no number: it stays.
+std::optional<std::int32_t> slewNumber(const LiveSlew& slew) {
+  const std::string ps = std::to_string(slew.slewPs.value_or(0));
+  const auto found =
+      std::find_if(slewRateNames.begin(), slewRateNames.end(), [&](const auto& n) { return ps == n.shortName; });
+  if (found != slewRateNames.end()) return static_cast<std::int32_t>(found - slewRateNames.begin());
+  return slew.slewUnnamed ? std::optional<std::int32_t>(SLEW_UNKNOWN) : std::nullopt;  // which no SerDes takes
 }
 
 void applyEthernet(const TxRawValues& cache, LiveTx& live) {
@@ -144,8 +144,7 @@ std::optional<TxRawValues> cacheFor(const LiveTx& live, const TxRawValues& other
     cache.power = *live.k;
     cache.mode = *mode;
     cache.p = {*live.c0, *live.c1, *live.c2, *live.c3};
-    if (const auto slew = live.slewPs ? slewNumber(*live.slewPs) : std::nullopt) cache.slew = *slew;
-    if (live.slewUnnamed) cache.slew = SLEW_UNKNOWN;  // which no SerDes takes, so that it stays
+    cache.slew = slewNumber(live).value_or(cache.slew);
   }
   return gives(cache, live, ethernet) ? std::optional(cache) : std::nullopt;
 }

@@ -39,9 +39,7 @@ inline void overlay(LiveTx& under, const LiveTx& over) {
   overlay(under.c1, over.c1);
   overlay(under.c2, over.c2);
   overlay(under.c3, over.c3);
-  if (!over.slewPs && !over.slewUnnamed) return;
-  under.slewPs = over.slewPs;
-  under.slewUnnamed = over.slewUnnamed;
+  if (over.slewPs || over.slewUnnamed) static_cast<LiveSlew&>(under) = over;
 }
 
 inline void overlay(LiveRx& under, const LiveRx& over) {

@@ -19,10 +19,17 @@ namespace serdesctl {
 inline constexpr const char* kUnnamed = "UNK";
 
 // Live settings of a link. The names of modes are the tool's.
-struct LiveTx : FfeValues, SlewValue {
+struct LiveSlew : SlewValue {
   bool slewUnnamed = false;  // there is one, and the tool cannot name it
+
+  bool operator==(const LiveSlew&) const = default;
 };
-struct LiveRx : DfeModeValue, VgaValues {};
+struct LiveTx : FfeValues, LiveSlew {
+  bool operator==(const LiveTx&) const = default;
+};
+struct LiveRx : DfeModeValue, VgaValues {
+  bool operator==(const LiveRx&) const = default;
+};
 
 // What is seen and cannot be set.
 struct PortObservations {

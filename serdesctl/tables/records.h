@@ -49,6 +49,8 @@ struct FfeValues {
 
 struct SlewValue {
   std::optional<std::int32_t> slewPs;  // nothing also for an unknown slew rate
+
+  bool operator==(const SlewValue&) const = default;
 };
 
 // The rate that a cache is for.
@@ -66,6 +68,8 @@ struct TxRawValues {
   std::int32_t slew = 0;
   std::int32_t mode = 0;
   std::array<std::int32_t, 4> p{};
+
+  bool operator==(const TxRawValues&) const = default;
 };
 
 struct EthernetTxValues {
@@ -75,6 +79,8 @@ struct EthernetTxValues {
 
 struct DfeModeValue {
   std::optional<std::string> dfeMode;
+
+  bool operator==(const DfeModeValue&) const = default;
 };
 
 struct VgaValues {
@@ -88,6 +94,8 @@ struct VgaValues {
 struct RxRawValues {
   std::int32_t mode = 0;
   std::array<std::int32_t, 4> p{};
+
+  bool operator==(const RxRawValues&) const = default;
 };
 
 struct EthernetRxValues {

@@ -98,7 +98,15 @@ class Planning(ChangingTest):
             self.assertIn("another switch", err)
 
     def test_files_that_are_none(self) -> None:
+        kept = self.folder / "kept.json"
+        self.must("plan", "-o", str(kept), self.file, status=1)
+        plan = kept.read_text()
         broken = {"{": "broken", '{"kind":"plan"}': "plan", '{"kind":"save"}': "save", "x = 1": "settings", "": "empty"}
+        broken |= {
+            "[]": "list",
+            plan.replace('"schema": 1', '"schema": 2', 1): "other",
+            plan.replace(': "down"', ': "up"'): "up",
+        }
         for text, name in broken.items():
             status, out, err = self.do("plan", self.script(text, name))
             self.assertEqual((status, out), (2, ""), err)
@@ -115,8 +123,11 @@ class Planning(ChangingTest):
         result, calls = self.traced("restore", "--yes", nameless)
         self.assertEqual((result.status, calls), (2, []))
         self.assertIn("--partial", result.err)
+        status, out, err = self.do("plan", "--script", nameless)
+        self.assertEqual((status, out, "cannot be done: ASIC 0 port 4" in err), (1, "setRate 10G 23\n", True), err)
         self.must("restore", "--yes", "--partial", nameless)
         self.assertEqual(self.differences(nameless).count("+++"), 1)
+        self.assertNotIn("commands", self.must("plan", nameless, status=1).out)
         self.must("restore", "--yes", "--through-cache", nameless)
         self.assertEqual(self.differences(nameless), "")
 

@@ -86,6 +86,14 @@ class Undoing(ChangingTest):
         self.assertEqual(self.do("undo", "nothing").status, 2)
         self.assertEqual(self.ctl("confirm", "nothing").status, 2)
 
+    def test_a_run_that_has_been_rolled_back(self) -> None:
+        self.env["SSH_CLIENT"] = "192.0.2.7 4711 22"
+        self.assertEqual(self.do("apply", "--yes", "--confirm", "0.1", self.script(FIRST, "lab.toml")).status, 1)
+        run = self.last_run()
+        status, _, err = self.do("undo", "--yes", run)
+        self.assertEqual((status, err), (2, f"serdesctl: run {run} has been rolled back\n"))
+        self.assertRegex(self.ctl("history").out, r" from 192\.0\.2\.7  .*  rolled back: not confirmed\n\Z")
+
     def test_history(self) -> None:
         run = self.apply(FIRST)
         self.must("undo", "--yes")

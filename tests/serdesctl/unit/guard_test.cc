@@ -7,18 +7,20 @@ namespace serdesctl {
 namespace {
 
 struct Seen {
-  std::uint64_t errors = 0;  // counted before the first of two looks
+  std::uint64_t errors = 0;  // decode errors counted before the first of two looks
   std::uint64_t more = 0;    // in the second between them
-  std::int32_t amin = 40;
+  std::optional<std::int32_t> amin = 40;
+  std::optional<std::int32_t> ap = 78;
   const char* rate = "8G";
+  bool decode = true;  // or the CRC errors are meant
 };
 
 PortLook lookOf(double atS, std::uint64_t errors, const Seen& seen) {
   DfeStats link;
   link.amin = seen.amin;
-  link.ap = 78;
-  link.decodeErrors = Count{static_cast<double>(errors), errors, errors};
-  link.crcErrors = Count{0, 0, 0};
+  link.ap = seen.ap;
+  link.decodeErrors = link.crcErrors = Count{0, 0, 0};
+  (seen.decode ? link.decodeErrors : link.crcErrors) = Count{static_cast<double>(errors), errors, errors};
   return {.atS = atS,
           .rate = RateValues{.configRate = seen.rate, .streamEnabled = true},
           .runningRate = seen.rate,
@@ -55,6 +57,19 @@ TEST(Guard, AnEyeIsSmallerBeyondNoiseAndAtTheSameSpeed) {
   EXPECT_FALSE(isWorse({}, {.amin = 37}));
   EXPECT_TRUE(isWorse({}, {.amin = 36}));
   EXPECT_FALSE(isWorse({}, {.amin = 36, .rate = "10G"}));
+}
+
+TEST(Guard, EyesThatTheToolDoesNotShowAreNotCompared) {
+  for (const Seen& unseen : {Seen{.amin = {}}, Seen{.ap = {}}, Seen{.ap = 0}}) {
+    EXPECT_FALSE(isWorse(unseen, {.amin = 1}));
+    EXPECT_FALSE(isWorse(unseen, unseen));
+  }
+}
+
+TEST(Guard, CrcErrorsCountAsDecodeErrorsDo) {
+  EXPECT_TRUE(isWorse({}, {.more = 1, .decode = false}));
+  EXPECT_FALSE(isWorse({.errors = 3, .decode = false}, {.errors = 3, .more = 10, .decode = false}));
+  EXPECT_TRUE(isWorse({.errors = 3, .decode = false}, {.errors = 3, .more = 11, .decode = false}));
 }
 
 }  // namespace

@@ -434,6 +434,17 @@ class Plans : public testing::Test {
     return scriptOf(plan(throughCache).steps);
   }
 
+  // All of the type of port 0.
+  void growTo32Ports() {
+    AsicState& asic = current_.asics[0];
+    asic.config.glPorts = 0xffffffff;
+    asic.ports.resize(32, asic.ports[0]);
+    for (std::uint32_t port = 0; port < 32; ++port) {
+      asic.ports[port] = asic.ports[0];
+      asic.ports[port].port = port;
+    }
+  }
+
   std::vector<std::string> reasons(bool throughCache = false) {
     std::vector<std::string> texts;
     for (const Impossible& i : plan(throughCache).impossible)
@@ -471,14 +482,29 @@ TEST_F(Plans, PortTypesApart) {
   EXPECT_EQ(commands(), (Lines{"setTxEnable 0 6-7", "setTxEnable 0 8-9", "setTxEnable 0 10-11"}));
 }
 
+// The tool takes 125 characters and 24 words.
 TEST_F(Plans, LongLinesApart) {
-  for (const std::uint32_t port : {0U, 2U, 4U, 6U})
-    want(port).txCaches["10G"] = {
-        .power = INT32_MIN, .slew = INT32_MIN, .mode = INT32_MIN, .p = {INT32_MIN, INT32_MIN, INT32_MIN, INT32_MIN}};
-  const std::string head =
-      "setTxParamsRaw asic 10G -2147483648 -2147483648 -2147483648 -2147483648 -2147483648 -2147483648 -2147483648";
-  EXPECT_EQ(commands(), (Lines{head + " 0 2 4 6"}));
-  EXPECT_LE(commands()[0].size(), 125U);
+  growTo32Ports();
+  constexpr std::int32_t kLong = INT32_MIN;
+  for (std::uint32_t port = 0; port < 32; port += 2) {
+    PortState& wish = want(port);
+    wish.txCaches["8G"] = {.power = 1, .slew = 2, .mode = 3, .p = {4, 5, 6, 7}};
+    wish.txCaches["10G"] = {.power = kLong, .slew = kLong, .mode = kLong, .p = {kLong, kLong, kLong, kLong}};
+  }
+  const std::string number = " -2147483648";
+  const std::string head = "setTxParamsRaw asic 10G" + number + number + number + number + number + number + number;
+  EXPECT_EQ(commands(), (Lines{head + " 0 2 4 6 8 10 12", head + " 14 16 18 20 22 24", head + " 26 28 30",
+                               "setTxParamsRaw asic 8G 1 2 3 4 5 6 7 0 2 4 6 8 10 12 14 16 18 20 22 24 26",
+                               "setTxParamsRaw asic 8G 1 2 3 4 5 6 7 28 30"}));
+}
+
+TEST_F(Plans, APortThatThereIsNot) {
+  wanted_.asics[0].ports.emplace_back().port = 12;
+  wanted_.asics.push_back(emptyAsic(1));
+  wanted_.asics.push_back({.asic = 2, .config = {}, .ports = {}, .cores = {}, .registers = {}});
+  EXPECT_EQ(commands(), Lines());
+  EXPECT_EQ(reasons(),
+            (Lines{"port settings: the switch has no such port", "ASIC settings: the switch has no such ASIC"}));
 }
 
 TEST_F(Plans, WhatASpeedDoesIsAmongItsChanges) {
@@ -613,6 +639,62 @@ TEST_F(Plans, WhatCannotBeReadIsNotSet) {
   static_cast<FfeValues&>(wish.tx[0]) = {"FFE3", 1, 2, 3, 4, 5};
   EXPECT_EQ(commands(), Lines());
   EXPECT_EQ(plan().impossible.size(), 3U);
+  wish.streamEnabled = true;
+  EXPECT_EQ(reasons()[2], "stream_enabled on: the tool does not show the stream of a port without transmit links");
+}
+
+TEST_F(Plans, AnUnnamedSlewIsBroughtToAName) {
+  current_.asics[0].ports[3].tx[0].slewPs.reset();
+  current_.asics[0].ports[3].tx[0].slewUnnamed = true;
+  want(3).tx[0].slewPs = 50;
+  EXPECT_EQ(commands(), (Lines{"setSlew 50 3"}));
+  wanted_.asics[0].ports[0].tx[0].ffeMode = "FFE7";
+  EXPECT_EQ(commands(), (Lines{"setSlew 50 3"}));
+  EXPECT_EQ(reasons(), (Lines{"ffe FFE7 115 -4 55 -25 0: there is no mode FFE7"}));
+}
+
+// What a switch leaves as it is when a speed brings caches into force that no SerDes takes.
+TEST_F(Plans, CachesThatNoSerDesTakesChangeNothingByASpeed) {
+  PortState& port = current_.asics[0].ports[3];
+  for (const TxRawValues& refused : std::vector<TxRawValues>{{.power = 256, .slew = 8, .mode = 2, .p = {1, 2, 3, 0}},
+                                                             {.power = 9, .slew = -1, .mode = 4, .p = {1, 2, 3, 0}},
+                                                             {.power = 9, .slew = 7, .mode = 2, .p = {1, 2, 3, 128}}}) {
+    port.txCaches["4G"] = refused;
+    port.rxCaches["4G"] = {.mode = 9, .p = {1, -129, 2, 0}};
+    wanted_.asics[0].ports.clear();
+    want(3).configRate = "4G";
+    EXPECT_EQ(where(plan().steps.at(0).changes), "ASIC 0 port 3 config_rate: 8G -> 4G\n");
+  }
+  PortState& ethernet = current_.asics[0].ports[10];
+  for (const auto& [power, preEmphasis] : {std::pair(16, 3), std::pair(3, 16)}) {
+    ethernet.txCaches["4G"] = {.power = power, .slew = 7, .mode = 0, .p = {preEmphasis, 0, 0, 0}};
+    ethernet.rxCaches["4G"] = {.mode = 1, .p = {8, 0, 0, 0}};
+    wanted_.asics[0].ports.clear();
+    want(10).configRate = "4G";
+    EXPECT_EQ(where(plan().steps.at(0).changes), "ASIC 0 port 10 config_rate: 8G -> 4G\n");
+  }
+}
+
+TEST_F(Plans, EthernetLiveSettingsThatNoCacheGives) {
+  want(10).rx[0].peak = 8;
+  EXPECT_EQ(commands(true), Lines());
+  EXPECT_EQ(reasons(true),
+            (Lines{"receive DFE5 6 8 78: live settings of ethernet ports follow from their caches alone"}));
+  current_.asics[0].ports[10].rx[0].peak.reset();
+  wanted_.asics[0].ports[0].rx[0] = {};
+  wanted_.asics[0].ports[0].rx[0].pole = 1;
+  EXPECT_EQ(commands(true), Lines());
+  EXPECT_EQ(reasons(true).size(), 1U);
+}
+
+// Where the cores' types could not be found out, the kind of the port tells.
+TEST_F(Plans, EthernetPortsOfUnknownCoresAreThoseOfTheirKind) {
+  current_.asics[0].cores.clear();
+  for (const std::uint32_t port : {9U, 10U})
+    for (LiveRx& link : want(port).rx)
+      link.peak = 2;
+  EXPECT_EQ(commands(), (Lines{"setVGA 6 2 78 9"}));
+  EXPECT_EQ(reasons().size(), 1U);
 }
 
 }  // namespace
