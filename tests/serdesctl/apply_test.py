@@ -19,7 +19,7 @@ from program import EMULATED, SERDESCTL, Result
 from serdes_runs import LIMIT_SECONDS, Terminal
 
 # Every how manieth platform call fails; 1 for all of them.
-STRIDE = int(os.environ.get("CHANGING_STRIDE", "200" if EMULATED else "20"))
+STRIDE = int(os.environ.get("CHANGING_STRIDE", "200" if EMULATED else "50"))
 
 SETTINGS = """
 [[settings]]
@@ -252,10 +252,32 @@ class Interrupting(ChangingTest):
         self.assertEqual(self.differences(save), "")
         self.assertEqual(self.history()[-1]["state"], "rolled back")
 
-    def test_a_tool_that_dies_leaves_a_way_back(self) -> None:
+    def test_a_second_interrupt_does_not_stop_the_way_back(self) -> None:
         save = self.save()
-        self.before_each_line("if former.startswith('setRate'): tool.stdin.close(); tool.wait(); os._exit(1)")
-        status, _, err = self.do("apply", "--yes", self.file)
+        self.before_each_line("time.sleep(0.02)")
+        process = self.start(*self.words, "apply", "--yes", "--confirm", "60", self.file)
+        assert process.stderr
+        for told in ("waiting until", "rolling back"):
+            while told not in (line := process.stderr.readline()):
+                self.assertTrue(line)
+            process.send_signal(signal.SIGINT)
+        _, err = process.communicate(timeout=LIMIT_SECONDS)
+        self.assertEqual((process.returncode, "the switch is as before" in err), (130, True), err)
+        self.env["SERDESCTL_TOOL"] = self.env["SERDES"]
+        self.assertEqual(self.differences(save), "")
+
+    def test_a_tool_that_dies_leaves_a_way_back(self) -> None:
+        for way in ("forth", "back"):
+            with self.subTest(way):
+                self.check_that_it_leaves_a_way_back(way)
+
+    def check_that_it_leaves_a_way_back(self, way: str) -> None:
+        save = self.save()
+        self.before_each_line(
+            "sent += line.startswith('setRate')\n"
+            f"    if sent > {way == 'back':d}: tool.stdin.close(); tool.wait(); os._exit(1)"
+        )
+        status, _, err = self.do("apply", "--yes", "--confirm", "0.1", self.file)
         self.env["SERDESCTL_TOOL"] = self.env["SERDES"]
         run = self.last_run()
         self.assertEqual(status, 3, err)
@@ -264,6 +286,38 @@ class Interrupting(ChangingTest):
         self.assertIn(f"run {run} ", self.do("diff", save).err)
         self.must("undo", "--yes")
         self.assertEqual(self.do("diff", save), (0, "", ""))
+
+    def test_ports_that_turn_into_others(self) -> None:
+        save = self.save()
+        turned, real = self.folder / "turned", self.env["SERDES"]
+        self.env["SERDES"] = str(strange := self.folder / "strange")
+        strange.write_text(
+            f"#!{sys.executable}\nimport os, subprocess\n"
+            f"tool = subprocess.Popen([{real!r}], stdout=subprocess.PIPE)\n"
+            "while block := os.read(tool.stdout.fileno(), 65536):\n"
+            f"    if os.path.exists({str(turned)!r}): block = block.replace(b'SERDES_11G', b'SERDES_12G')\n"
+            "    os.write(1, block)\n"
+        )
+        strange.chmod(0o755)
+        self.before_each_line(f"if line.startswith('setRate'): open({str(turned)!r}, 'w')")
+        status, _, err = self.do("apply", "--yes", self.file)
+        self.assertEqual(status, 1, err)
+        self.assertIn("it was SERDES_11G and reads as SERDES_12G: not all could be rolled back", err)
+        self.env["SERDES"] = self.env["SERDESCTL_TOOL"] = real
+        self.do("undo", "--yes")
+        self.assertEqual(self.do("diff", save), (0, "", ""))
+
+    def test_what_the_switch_does_not_take_is_named(self) -> None:
+        save = self.save()
+        self.before_each_line("line = line.replace('setSlew 50', 'setSlew 60')")
+        file = self.script('[[settings]]\nports = "4"\ntransmit = { slew = 50 }\n', "lab.toml")
+        status, out, _ = self.do("apply", "--yes", file)
+        self.assertEqual(status, 1)
+        self.assertRegex(
+            out, rf"not as wanted after run {self.last_run()}, which serdesctl .* takes back:\n(.*\n)*.*60 -> 50\n"
+        )
+        self.must("undo", "--yes")
+        self.assertEqual(self.differences(save), "")
 
     def differences_quietly(self, save: str) -> str:
         return self.do("diff", save).out

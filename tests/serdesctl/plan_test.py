@@ -124,7 +124,11 @@ class Planning(ChangingTest):
         self.assertEqual((result.status, calls), (2, []))
         self.assertIn("--partial", result.err)
         status, out, err = self.do("plan", "--script", nameless)
-        self.assertEqual((status, out, "cannot be done: ASIC 0 port 4" in err), (1, "setRate 10G 23\n", True), err)
+        self.assertEqual(
+            (status, out, "cannot be done: ASIC 0 port 4" in err),
+            (1, "setTxParamsRaw asic 8G 100 2 0 0 63 0 0 4\n", True),
+            err,
+        )
         self.must("restore", "--yes", "--partial", nameless)
         self.assertEqual(self.differences(nameless).count("+++"), 1)
         self.assertNotIn("commands", self.must("plan", nameless, status=1).out)
