@@ -65,6 +65,22 @@ class Replacement {
   Fd file_;
 };
 
+// Where a name leads to.
+struct Destination {
+  explicit Destination(const std::string& name) {
+    constexpr mode_t kPermissions = 0777;
+    struct stat old {};
+    const bool exists = ::stat(name.c_str(), &old) == 0;
+    isPlain = !exists || S_ISREG(old.st_mode);
+    file = exists && isPlain ? std::filesystem::canonical(name).string() : name;
+    mode = exists ? old.st_mode & kPermissions : 0666;
+  }
+
+  std::string file;
+  mode_t mode;
+  bool isPlain;  // or written to as it stands
+};
+
 void writeInto(const std::string& name, std::string_view text) {
   const Fd file(::open(name.c_str(), O_WRONLY | O_CLOEXEC));
   if (!file.isOpen() || !writeAll(file.get(), text)) failToWrite(name, errno);
@@ -104,17 +120,28 @@ void syncFolder(const std::string& folder) {
 }
 
 void writeFileWhole(const std::string& name, std::string_view text) {
-  struct stat old {};
-  const bool exists = ::stat(name.c_str(), &old) == 0;
-  if (exists && !S_ISREG(old.st_mode)) {
+  const Destination destination(name);
+  if (!destination.isPlain) {
     writeInto(name, text);
     return;
   }
-  constexpr mode_t kPermissions = 0777;
-  const std::string real = exists ? std::filesystem::canonical(name).string() : name;
-  Replacement(real, exists ? old.st_mode & kPermissions : 0666).write(text);
-  const std::string folder = std::filesystem::path(real).parent_path().string();
+  Replacement(destination.file, destination.mode).write(text);
+  const std::string folder = std::filesystem::path(destination.file).parent_path().string();
   syncFolder(folder.empty() ? "." : folder);
+}
+
+void requireWritable(const std::string& name) {
+  if (name.empty()) return;
+  try {
+    const Destination destination(name);
+    if (destination.isPlain) {
+      const Replacement unused(destination.file, destination.mode);
+    } else if (std::filesystem::is_directory(name) || ::access(name.c_str(), W_OK) != 0) {  // opened, a pipe would end
+      failToWrite(name, std::filesystem::is_directory(name) ? EISDIR : errno);
+    }
+  } catch (const WriteError& error) {
+    throw UsageError(error.what());
+  }
 }
 
 std::optional<std::string> environmentVariable(const char* name) {

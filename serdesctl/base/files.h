@@ -55,6 +55,10 @@ void syncFolder(const std::string& folder);
 // afterwards. What is no plain file is written to. Throws WriteError "NAME: why".
 void writeFileWhole(const std::string& name, std::string_view text);
 
+// Throws UsageError "NAME: why" where writeFileWhole could not begin: for what takes long before it has something to
+// write. An empty name is no file.
+void requireWritable(const std::string& name);
+
 // The value of an environment variable; an empty one counts as one that is not set.
 std::optional<std::string> environmentVariable(const char* name);
 

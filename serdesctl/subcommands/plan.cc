@@ -39,6 +39,7 @@ std::string chosenReport(const PlanOptions& options, const Wish& wish, const Sav
 }  // namespace
 
 int performPlan(const Options& options) {
+  requireWritable(options.plan.output);
   OpenedSwitch opened(options.common);
   const Wish wish = readWish(options.plan.file, opened.now.state, options.plan.throughCache);
   std::string lastWords;

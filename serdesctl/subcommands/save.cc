@@ -60,6 +60,7 @@ Save captureSave(const CommonOptions& options, const ChooseCapture& choose) {
 }
 
 int performSave(const Options& options) {
+  requireWritable(options.save.output);
   const Save save = captureSave(options.common, [&](const SwitchText&) { return choiceOf(options.save); });
   put(options.save.output, options.save.asSettings ? settingsText(save) : saveText(save));
   return save.state.unread.empty() ? kDone : kFailed;

@@ -23,6 +23,7 @@ std::string originText(const Origin& origin) {
 
 int performTwin(const Options& options) {
   const TwinOptions& words = options.twin;
+  requireWritable(words.output);
   const Save save = saveOrSwitch(options.common, words.save, words.registers);
   const Twin twin = makeTwin(save.state, originText(save.origin));
   Output output(STDOUT_FILENO);

@@ -97,6 +97,12 @@ class Planning(ChangingTest):
             self.assertEqual(status, 2, err)
             self.assertIn("another switch", err)
 
+    def test_a_plan_that_cannot_be_kept_is_not_made(self) -> None:
+        status, out, err = self.do("plan", "-o", str(self.folder / "no" / "kept.json"), self.file)
+        self.assertEqual(
+            (status, out, err), (2, "", f"serdesctl: {self.folder}/no/kept.json: No such file or directory\n")
+        )
+
     def test_files_that_are_none(self) -> None:
         kept = self.folder / "kept.json"
         self.must("plan", "-o", str(kept), self.file, status=1)

@@ -122,9 +122,10 @@ class Save(SaveTest):
         self.assertEqual(self.on("bench", "save", "--asic", "1").err, "serdesctl: the switch has no ASIC 1\n")
 
     def test_a_file_is_written_whole_or_not_at_all(self) -> None:
-        for name, message in (("/dev/full", "No space left on device"), (f"{self.folder}/none/x", "No such file")):
+        unusable = ((f"{self.folder}/none/x", "No such file"), (f"{self.folder}", "Is a directory"))
+        for name, message in (("/dev/full", "No space left on device"), *unusable):
             done = self.on("default", "save", "-o", name)
-            self.assertEqual((done.status, done.out), (1, ""))
+            self.assertEqual((done.status, done.out), (1 if name == "/dev/full" else 2, ""))
             self.assertIn(f"serdesctl: {name}: {message}", done.err)
         path = self.save()
         path.chmod(0o640)

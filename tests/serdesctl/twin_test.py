@@ -205,7 +205,7 @@ class Twin(ProgramTest):
             self.assertEqual((done.status, done.out), (2, ""), done.err)
         bench = f"sim:{shipped_switch('bench')}"
         done = self.ctl("-t", bench, "twin", "-o", self.folder / "no" / "twin.toml")
-        self.assertEqual(done.status, 1, done.err)
+        self.assertEqual(done.status, 2, done.err)
 
 
 if __name__ == "__main__":
