@@ -90,6 +90,7 @@ TEST(SettingsFile, NamesWhatIsWrong) {
       {"ports = \"\"", "2: ports: '' is no list"},
       {"ports = \"1,\"", "2: ports: '1,' is no list"},
       {"ports = \"+1\"", "2: ports: '+1' is no list"},
+      {"ports = \"1;2\"", "2: ports: '1;2' is no list"},
       {"ports = -1", "2: ports: -1 is no list"},
       {"ports = [1, 2]", "2: ports: this is no list"},
       {"user_ports = 65535", "2: user_ports: 65535 is no list of numbers up to 65534"},
@@ -136,6 +137,7 @@ TEST(SettingsFile, NamesAllThatIsWrong) {
 TEST(SettingsFile, RefusesOtherFiles) {
   EXPECT_EQ(refusal(""), "lab.toml:1: settings: no entry: each begins with [[settings]]");
   EXPECT_EQ(refusal("settings = 3"), "lab.toml:1: settings: no entry: each begins with [[settings]]");
+  EXPECT_EQ(refusal("settings = []"), "lab.toml:1: settings: no entry: each begins with [[settings]]");
   EXPECT_EQ(refusal("settings = [3]"), "lab.toml:1: settings: not a table: an entry begins with [[settings]]");
   EXPECT_EQ(refusal("[[setting]]\n"),
             "lab.toml:1: setting: unknown: none of settings\n"

@@ -92,8 +92,12 @@ TEST(Wanted, Selectors) {
 TEST(Wanted, WhoSaysSomethingAboutLinksMeansPortsThatHaveSome) {
   EXPECT_EQ(selected("kind = \"gl\"\nreceive = { pole = 1 }"), 0b00011U);
   EXPECT_EQ(selected("ports = \"0-4\"\nkind = \"gl\"\nreceive = { pole = 1 }"), 0b10011U);
+  for (const std::string setting : {"power", "pre_emphasis", "cdr_mode", "eq_mode"})
+    EXPECT_EQ(selected("kind = \"exg\"\nto = \"8G\"\nethernet = { " + setting + " = 1 }"), 0b01000U) << setting;
   EXPECT_EQ(refusal("[[settings]]\nports = 4\nreceive = { pole = 1 }\n"),
             "lab.toml:1: port 4 of ASIC 0 has no receive links, or they could not be read");
+  EXPECT_EQ(refusal("[[settings]]\nports = 4\ntransmit = { k = 1 }\n"),
+            "lab.toml:1: port 4 of ASIC 0 has no transmit links, or they could not be read");
 }
 
 TEST(Wanted, ASelectorThatSelectsNothing) {
@@ -106,6 +110,12 @@ TEST(Wanted, ASelectorThatSelectsNothing) {
   EXPECT_EQ(refusal("[[settings]]\nuser_ports = \"100-101\"\nstream = true\n"),
             "lab.toml:1: user_ports: no user port 101");
   EXPECT_EQ(refusal("[[settings]]\nasic = 1\nstream = true\n"), "lab.toml:1: asic: the switch has no ASIC 1");
+  SwitchState two = smallSwitch();
+  two.asics.push_back(two.asics[0]);
+  two.asics[1].asic = 1;
+  two.asics[0].ports[0].observed.media = "10GE";
+  EXPECT_EQ(refusal("[[settings]]\nasic = 1\nmedia = \"10GE\"\nstream = true\n", two),
+            "lab.toml:1: media: no port has it: there are COP, OPT; with optional = true it may select none");
 }
 
 TEST(Wanted, OnlyWhatIsSaid) {
@@ -229,6 +239,9 @@ TEST(Wanted, WhatMustStayMustBeKnown) {
             "lab.toml:1: port 1 of ASIC 0 has no 8G cache on that side, or it could not be read");
   EXPECT_EQ(refusal("[[settings]]\nports = 1\nreceive = { mode = \"DFE1\" }\n", now),
             "lab.toml:1: port 1 of ASIC 0 has no receive links, or they could not be read");
+  now.asics[0].ports[0].rx[0].amax.reset();
+  EXPECT_EQ(refusal("[[settings]]\nports = 0\nreceive = { pole = 1 }\n", now),
+            "lab.toml:1: port 0 of ASIC 0 keeps pole, peak or amax as it is, which could not be read: say all of it");
 }
 
 // As settings and back.
