@@ -10,10 +10,10 @@
 #include <array>
 #include <cerrno>
 #include <filesystem>
+#include <tuple>
 #include <utility>
 
 #include "serdesctl/base/errors.h"
-#include "serdesctl/base/waiting.h"
 
 namespace serdesctl {
 namespace {
@@ -21,7 +21,6 @@ namespace {
 constexpr const char* kFileName = "/journal.jsonl";
 constexpr const char* kSystemFolder = "/var/lib/serdesctl";
 constexpr std::size_t kMostRead = 64U << 20;
-constexpr Seconds kOthersMayTake{30};  // many of them, on a slow disk
 constexpr Seconds kBetweenTries{0.005};
 
 // Unlocks when it goes out of scope.
@@ -39,11 +38,10 @@ class Unlocking {
 };
 
 // False when others have had it for too long: whoever was stopped while writing must not stop everybody.
-bool lockInTime(const Fd& file, int how) {
-  const TimePoint deadline = after(kOthersMayTake);
+bool lockInTime(const Fd& file, int how, Seconds othersMayTake) {
+  const TimePoint deadline = after(othersMayTake);
   while (::flock(file.get(), how | LOCK_NB) != 0) {
-    if (errno != EWOULDBLOCK && errno != EINTR) return false;
-    if (Clock::now() >= deadline) return false;
+    if (errno != EWOULDBLOCK || Clock::now() >= deadline) return false;
     (void)waitThroughSignals({}, after(kBetweenTries));
   }
   return true;
@@ -51,7 +49,8 @@ bool lockInTime(const Fd& file, int how) {
 
 std::size_t sizeOf(const Fd& file) {
   struct stat status {};
-  return ::fstat(file.get(), &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
+  (void)::fstat(file.get(), &status);
+  return static_cast<std::size_t>(status.st_size);
 }
 
 // How many of the first `size` bytes are whole lines.
@@ -110,7 +109,7 @@ std::size_t JournalFile::openLocked() {
       file_.reset(::open(name_.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0644));
       if (!file_.isOpen()) fail("cannot be opened");
     }
-    if (!lockInTime(file_, LOCK_EX)) fail("cannot be locked");
+    if (!lockInTime(file_, LOCK_EX, bounds_.othersMayTake)) fail("cannot be locked");
     if (isCurrent()) break;
     file_.reset();
   }
@@ -122,8 +121,9 @@ std::size_t JournalFile::openLocked() {
 bool JournalFile::isCurrent() const {
   struct stat named {};
   struct stat open {};
-  if (::stat(name_.c_str(), &named) != 0 || ::fstat(file_.get(), &open) != 0) return false;
-  return named.st_ino == open.st_ino && named.st_dev == open.st_dev;
+  (void)::fstat(file_.get(), &open);
+  return ::stat(name_.c_str(), &named) == 0 &&
+         std::tie(named.st_dev, named.st_ino) == std::tie(open.st_dev, open.st_ino);
 }
 
 std::size_t JournalFile::cutTornLine(std::size_t size) {
@@ -156,7 +156,7 @@ std::vector<std::string> readJournal(const std::string& folder, const Notice& no
       if (errno != ENOENT) notice(fileName + ": " + errorText());
       continue;
     }
-    (void)lockInTime(file, LOCK_SH);
+    (void)lockInTime(file, LOCK_SH, JournalBounds().othersMayTake);
     const std::string text = readFile(fileName, kMostRead);
     std::size_t begin = 0;
     for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', begin)) {

@@ -8,16 +8,19 @@
 #include <vector>
 
 #include "serdesctl/base/files.h"
+#include "serdesctl/base/waiting.h"
 
 namespace serdesctl {
 
 // What readers and writers say about a journal that is not as it should be.
 using Notice = std::function<void(const std::string& text)>;
 
-// How large a journal may become: a file of this size makes room by a new one, and as many old ones are kept.
+// How large a journal may become: a file of this size makes room by a new one, and as many old ones are kept. And how
+// long others may have it locked.
 struct JournalBounds {
   std::size_t mostBytes = 2U << 20;
   unsigned oldFiles = 7;
+  Seconds othersMayTake{30};  // many of them, on a slow disk
 };
 
 class JournalFile {

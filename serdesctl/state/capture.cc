@@ -181,16 +181,15 @@ AsicState readAsic(Conversation& tool, std::uint32_t asic, const CaptureChoice& 
 SwitchState capture(Conversation& tool, const CaptureChoice& choice) {
   SwitchState state;
   state.hardware = parseStart(tool.startText()).hardware;
-  bool left = false;
-  for (const std::uint32_t asic : chosenAsics(choice, state.hardware.asics)) {
-    left = left || asic != 0;
+  const std::set<std::uint32_t> asics = chosenAsics(choice, state.hardware.asics);
+  for (const std::uint32_t asic : asics) {
     try {
       state.asics.push_back(readAsic(tool, asic, choice, state.unread));
     } catch (const RefusedError& error) {
       state.unread.push_back({asic, std::nullopt, "config", error.what()});
     }
   }
-  if (left) (void)askForOutput(tool, "setAsicNum 0");
+  if (asics.size() > asics.count(0)) (void)askForOutput(tool, "setAsicNum 0");
   return state;
 }
 

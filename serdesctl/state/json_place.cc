@@ -17,16 +17,16 @@ std::string dumped(const Json& json) {
 
 // nlohmann's messages begin with a code in brackets.
 std::string plainMessage(const std::string& what) {
-  const std::size_t end = what.find("] ");
-  return end == std::string::npos ? what : what.substr(end + 2);
+  return what.substr(what.find("] ") + 2);
 }
 
 bool isList(const Json& json) {
   return json.is_array() && std::none_of(json.begin(), json.end(), [](const Json& e) { return e.is_structured(); });
 }
 
+// Of an object or a list.
 bool fitsOnLine(const Json& json) {
-  if (!json.is_object()) return isList(json) || !json.is_structured();
+  if (!json.is_object()) return isList(json);
   return std::all_of(json.begin(), json.end(), [](const Json& e) { return !e.is_structured() || isList(e); });
 }
 
@@ -72,10 +72,6 @@ JsonPlace JsonPlace::inner(const std::string& step, const Json& value) const {
   JsonPlace place(file_, value);
   place.path_ = path_ + "/" + step;
   return place;
-}
-
-bool JsonPlace::has(std::string_view name) const {
-  return value_.is_object() && value_.contains(std::string(name));
 }
 
 JsonPlace JsonPlace::at(std::string_view name) const {

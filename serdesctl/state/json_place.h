@@ -19,7 +19,6 @@ class JsonPlace {
 
   // A member of an object, which must be there.
   JsonPlace at(std::string_view name) const;
-  bool has(std::string_view name) const;
 
   // The members of an object by name, and the elements of a list.
   std::vector<std::pair<std::string, JsonPlace>> members() const;

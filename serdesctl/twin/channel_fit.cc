@@ -157,7 +157,7 @@ double residualOf(std::span<const FitLink> links, const simulator::Transmitter& 
     sum += square(shown.ap - link.seen.ap) + square(shown.amin - link.seen.amin);
     if (sum > square(bound) * count) break;
   }
-  return count > 0 ? std::sqrt(sum / count) : 0;
+  return std::sqrt(sum / count);
 }
 
 ChannelFit fitChannel(std::span<const FitLink> links, const simulator::Transmitter& far, Medium medium, double bound) {

@@ -61,8 +61,8 @@ struct ChannelFit {
   double longest = 0;
 };
 
-// How far the links' readings are from those that a medium of this length gives; what is beyond `bound` is told
-// roughly.
+// How far the readings of links, one at least, are from those that a medium of this length gives; what is beyond
+// `bound` is told roughly.
 double residualOf(std::span<const FitLink> links, const simulator::Transmitter& far, Medium medium, double length,
                   double bound = std::numeric_limits<double>::infinity());
 

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <map>
 #include <set>
+#include <tuple>
 #include <utility>
 
 #include "display/name_tables.h"
@@ -114,10 +115,12 @@ class SettingsLibrary {
     return isIndex(s.tx.slew, simulator::kSlewPs.size()) && isIndex(s.tx.mode, ffeModeNames.size()) &&
            isIndex(s.rx.mode, dfeModeNames.size()) && s.rx.p3 == 0;
   }
-  static bool isNamedEthernet(const simulator::Settings& s) {
-    const auto& tx = simulator::kPlainEthernetSettings.tx;
-    return s.tx.slew == tx.slew && s.tx.mode == tx.mode && s.tx.p1 == 0 && s.tx.p2 == 0 && s.tx.p3 == 0 &&
-           s.rx.p1 == 0 && s.rx.p2 == 0 && s.rx.p3 == 0;
+  // What has no name is as it always is.
+  static bool isNamedEthernet(const simulator::Settings& settings) {
+    const auto unnamed = [](const simulator::Settings& s) {
+      return std::tie(s.tx.slew, s.tx.mode, s.tx.p1, s.tx.p2, s.tx.p3, s.rx.p1, s.rx.p2, s.rx.p3);
+    };
+    return unnamed(settings) == unnamed(simulator::kPlainEthernetSettings);
   }
 
   static std::string fibreChannelBody(const simulator::Settings& s) {
@@ -289,9 +292,16 @@ class Writer {
 
   static std::string remark(const PortFit& fit) {
     std::string text;
-    if (fit.channel) text = lengthText(fit) + ", " + fixed(fit.channel->residual) + " steps off";
+    if (fit.channel) text = textOf(*fit.channel);
     if (!fit.note.empty()) text += (text.empty() ? "" : "; ") + fit.note;
     return text.empty() ? "" : "  # " + text;
+  }
+
+  // "board of 20.31 in (19.20 to 21.50), 0.12 steps off"
+  static std::string textOf(const ChannelFit& channel) {
+    const MediumRow& row = mediumRow(channel.medium);
+    return std::string(row.name) + " of " + fixed(channel.length) + " " + row.unit + " (" + fixed(channel.shortest) +
+           " to " + fixed(channel.longest) + "), " + fixed(channel.residual) + " steps off";
   }
 
   std::string userPortText(const ConfigPort& config, const std::string& place) {
@@ -421,13 +431,6 @@ std::string tomlText(const std::string& text) {
     i += std::max<std::size_t>(length, 1);
   }
   return result + "\"";
-}
-
-std::string lengthText(const PortFit& fit) {
-  const MediumRow& row = mediumRow(fit.medium);
-  std::string text = std::string(row.name) + " of " + fixed(fit.length) + " " + row.unit;
-  if (fit.channel) text += " (" + fixed(fit.channel->shortest) + " to " + fixed(fit.channel->longest) + ")";
-  return text;
 }
 
 const char* farEndName(FarEnd farEnd) {

@@ -21,8 +21,6 @@ Description descriptionOf(const SwitchState& state, const SwitchModel& model,
 // A text in quotes as TOML has it. What is no UTF-8 becomes question marks.
 std::string tomlText(const std::string& text);
 
-// "board of 20.31 in (19.20 to 21.50)", of a port that is fitted.
-std::string lengthText(const PortFit& fit);
 const char* farEndName(FarEnd farEnd);
 
 }  // namespace serdesctl

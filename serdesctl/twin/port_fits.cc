@@ -34,8 +34,7 @@ Medium mediumOf(const ModelPort& port) {
     case MEDIA_10G_ETHERNET:
     case MEDIA_1G_ETHERNET:
       return Medium::kOptical;
-    case MEDIA_COPPER_PASSIVE:
-    case MEDIA_COPPER_ACTIVE:
+    case MEDIA_COPPER_PASSIVE:  // active copper has the same name, and is read as this
       return Medium::kCopper;
     default:
       return Medium::kBoard;
@@ -60,6 +59,11 @@ Transmitter transmitterAt(const ModelPort& port, std::size_t link) {
 
 Transmitter transmitterOfPartner(const ModelPort& port, const SerDesTxRateParams& settings) {
   return simulator::transmitterOf(port.txTraits(), registersAfter(port.txTraits(), settings));
+}
+
+// Links of a port hardly ever differ. A port that has none is taken to be like one after a reset.
+SerDesTxRateParams ownSettings(const ModelPort& port) {
+  return settingsIn(port.txTraits(), port.tx.empty() ? port.txTraits().tx.resetValues() : port.tx.front());
 }
 
 // What a port hears, if anything: transmitter and baud.
@@ -114,7 +118,7 @@ class PortSearch {
   PortSearch(const ModelAsic& asic, const AsicFits& fits, std::size_t port, std::uint32_t speed)
       : port_(asic.ports[port]), media_(mediaOf(port_)) {
     for (std::size_t link = 0; link < port_.rx.size(); ++link) {
-      if (link >= port_.seen.size() || !port_.seen[link]) continue;
+      if (!port_.seen[link]) continue;
       simulator::Receiver receiver = simulator::receiverOf(port_.rxTraits(), port_.rx[link]);
       receiver.evenOddMismatch = 0;
       links_.push_back({.receiver = receiver,
@@ -227,11 +231,7 @@ class SwitchFit {
   void collectSettings() {
     for (const ModelAsic& asic : model_.asics) {
       for (const ModelPort& port : asic.ports) {
-        for (const simulator::RegisterFile& registers : port.tx) {
-          const SerDesTxRateParams settings = settingsIn(port.txTraits(), registers);
-          (port.txTraits().isEthernet ? ethernetSettings_ : settings_).push_back(settings);
-          break;  // links of a port hardly ever differ
-        }
+        if (!port.tx.empty()) (port.txTraits().isEthernet ? ethernetSettings_ : settings_).push_back(ownSettings(port));
       }
     }
   }
@@ -252,13 +252,10 @@ class SwitchFit {
                                      [&](const Candidate& other) { return other.transmitter == transmitter; });
       if (!known) candidates.push_back({transmitter, settings});
     };
-    if (!port.tx.empty()) add(transmitterAt(port, 0), settingsIn(port.txTraits(), port.tx[0]));
+    if (!port.tx.empty()) add(transmitterAt(port, 0), ownSettings(port));
     for (const SerDesTxRateParams& settings : port.txTraits().isEthernet ? ethernetSettings_ : settings_)
       add(transmitterOfPartner(port, settings), settings);
-    if (candidates.empty()) {
-      const SerDesTxRateParams settings = settingsIn(port.txTraits(), port.txTraits().tx.resetValues());
-      add(transmitterOfPartner(port, settings), settings);
-    }
+    if (candidates.empty()) add(transmitterOfPartner(port, ownSettings(port)), ownSettings(port));
     return candidates;
   }
 
@@ -283,7 +280,7 @@ class SwitchFit {
 
   // A level and nothing else: what arrives comes at another speed.
   static bool isOutOfPace(const ModelPort& port) {
-    for (std::size_t link = 0; link < port.seen.size() && link < port.rx.size(); ++link) {
+    for (std::size_t link = 0; link < port.rx.size(); ++link) {
       const unsigned taps = simulator::receiverOf(port.rxTraits(), port.rx[link]).dfeTaps;
       const auto& seen = port.seen[link];
       if (!seen || taps == 0 || seen->amin != 0) return false;
@@ -294,7 +291,7 @@ class SwitchFit {
 
   static void fitOutOfPace(const ModelPort& port, PortFit& fit) {
     fit.farEnd = FarEnd::kPartner;
-    if (!port.tx.empty()) fit.partner = settingsIn(port.txTraits(), port.tx[0]);
+    fit.partner = ownSettings(port);
     for (const std::uint32_t speed : {SPEED_10G, SPEED_8G, SPEED_20G}) {
       if (speed != port.speed()) fit.partnerSpeed = speed;
     }
@@ -358,7 +355,7 @@ class SwitchFit {
     auto link = search.links().begin();
     for (const auto& seen : port.seen) {
       auto& shown = fit.shown.emplace_back();
-      if (!seen || link == search.links().end()) continue;
+      if (!seen) continue;
       shown = readingsOf(
           simulator::evaluateLink(best.far.transmitter, channel, link->receiver, link->baudGbd, link->aggressors));
       ++link;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <span>
+#include <tuple>
 #include <utility>
 
 #include "display/name_tables.h"
@@ -77,7 +78,8 @@ void writeDrive(const SerDesTraits& traits, const LiveTx& live, RegisterFile& re
   for (int power = 0; power <= simulator::kMaxDriveLevel; ++power) {
     for (int preEmphasis = 0; preEmphasis <= simulator::kMaxDriveLevel; ++preEmphasis) {
       RegisterFile tried = registers;
-      if (simulator::setDriveLevel(traits, tried, power, preEmphasis) == 0 && show(traits, tried, live)) {
+      (void)simulator::setDriveLevel(traits, tried, power, preEmphasis);
+      if (show(traits, tried, live)) {
         registers = tried;
         return;
       }
@@ -126,13 +128,13 @@ bool areOfThisLayout(const SerDesTraits& traits, const RegisterFile& base, const
   return true;
 }
 
-// A side's registers by link.
+// A side's registers by link. What a port says of itself may be more than there can be.
 template <typename Live>
-std::vector<RegisterFile> linksOf(const SerDesTraits& traits, const RegisterFile& base, std::size_t links,
+std::vector<RegisterFile> linksOf(const SerDesTraits& traits, const RegisterFile& base, std::uint32_t links,
                                   const std::vector<Live>& live, const Dumps* dumps, bool& understood) {
-  std::vector<RegisterFile> result(links, base);
+  std::vector<RegisterFile> result(std::min(links, simulator::kMaxLinks), base);
   understood = dumps == nullptr || areOfThisLayout(traits, base, live, *dumps);
-  for (std::size_t link = 0; link < links; ++link) {
+  for (std::size_t link = 0; link < result.size(); ++link) {
     if (dumps != nullptr && understood && link < dumps->size()) result[link] = withDump(base, (*dumps)[link]);
     if (link < live.size()) writeLive(traits, live[link], result[link]);
   }
@@ -219,8 +221,6 @@ class Builder {
       if (speed != SPEED_AUTO) port.speeds |= speedBit(speed);
     for (std::uint32_t speed = SPEED_1G; speed < simulator::kSpeeds; ++speed)
       port.caches[speed] = cacheOf(port, rateNames[speed].name);
-    for (const DfeStatsValues& link : state.observed.links)
-      port.seen.push_back(readingsOf(link));
   }
 
   void addLinks(const AsicState& asic, ModelPort& port) {
@@ -236,6 +236,9 @@ class Builder {
                       dumped ? dumpsOf(asic.registers->tx, number) : nullptr, txUnderstood);
     port.rx = linksOf(port.rxTraits(), rx, port.config->rx.links, state.rx,
                       dumped ? dumpsOf(asic.registers->rx, number) : nullptr, rxUnderstood);
+    for (const DfeStatsValues& link : state.observed.links)
+      port.seen.push_back(readingsOf(link));
+    port.seen.resize(port.rx.size());
     noteUnsaid(port.txTraits(), port.tx, state.tx, placeOf(model_.asics.back(), port) + " tx");
     noteUnsaid(port.rxTraits(), port.rx, state.rx, placeOf(model_.asics.back(), port) + " rx");
     if (txUnderstood && rxUnderstood) return;
@@ -285,17 +288,19 @@ LinkRegisters startOf(const ModelPort& port, std::uint32_t speed) {
 }
 
 bool sameTxSettings(const SerDesTraits& traits, const RegisterFile& a, const RegisterFile& b) {
-  const simulator::FfeSettings one = simulator::ffeOf(traits, a);
-  const simulator::FfeSettings other = simulator::ffeOf(traits, b);
-  return one.mode == other.mode && one.k == other.k && one.c == other.c &&
-         simulator::slewOf(traits, a) == simulator::slewOf(traits, b);
+  const auto shown = [&](const RegisterFile& registers) {
+    const auto [mode, k, c] = simulator::ffeOf(traits, registers);
+    return std::tuple(mode, k, c, simulator::slewOf(traits, registers));
+  };
+  return shown(a) == shown(b);
 }
 
 bool sameRxSettings(const SerDesTraits& traits, const RegisterFile& a, const RegisterFile& b) {
-  const simulator::VgaSettings one = simulator::vgaOf(traits, a);
-  const simulator::VgaSettings other = simulator::vgaOf(traits, b);
-  return one.pole == other.pole && one.peak == other.peak && one.amax == other.amax &&
-         simulator::dfeOf(traits, a) == simulator::dfeOf(traits, b);
+  const auto shown = [&](const RegisterFile& registers) {
+    const auto [pole, peak, amax] = simulator::vgaOf(traits, registers);
+    return std::tuple(pole, peak, amax, simulator::dfeOf(traits, registers));
+  };
+  return shown(a) == shown(b);
 }
 
 double ModelPort::baud(std::uint32_t speed, std::size_t links) const {

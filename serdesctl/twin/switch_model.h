@@ -31,7 +31,7 @@ struct ModelPort {
   std::array<simulator::Settings, simulator::kSpeeds> caches{};
   std::vector<simulator::RegisterFile> tx;  // by link, as the live settings say
   std::vector<simulator::RegisterFile> rx;
-  std::vector<std::optional<LinkReadings>> seen;  // by receive link
+  std::vector<std::optional<LinkReadings>> seen;  // of as many links as rx
 
   const simulator::SerDesTraits& txTraits() const {
     return simulator::serDesTraits(txType);

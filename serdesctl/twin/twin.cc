@@ -36,7 +36,7 @@ TwinLink linkOf(const ModelAsic& asic, const ModelPort& port, const PortFit& fit
     result.longest = rounded(fit.channel->longest);
     result.residual = rounded(fit.channel->residual);
   }
-  if (link < port.seen.size() && port.seen[link]) {
+  if (port.seen[link]) {
     result.h1 = port.seen[link]->taps[0];
     result.ap = port.seen[link]->ap;
     result.amin = port.seen[link]->amin;

@@ -165,6 +165,29 @@ TEST(Compare, RegistersAndObservationsStandApart) {
   EXPECT_EQ(comparison.registers[1].parameter, "register 1");
   ASSERT_EQ(comparison.observations.size(), 1U);
   EXPECT_EQ(comparison.observations[0].parameter, "media");
+
+  // Registers that only one of them has are not compared.
+  after.asics[0].registers = RegisterDumps{.pll = {{3, {7}}}, .tx = {{port, {{9}}}}, .rx = {}};
+  const std::vector<Difference> registers = compare(before, after).registers;
+  ASSERT_EQ(registers.size(), 1U);
+  EXPECT_EQ(textOf(registers[0].after), "9");
+}
+
+TEST(Compare, PlacesReadAsPeopleSayThem) {
+  EXPECT_EQ(textOf(SettingPlace()), "the switch");
+  EXPECT_EQ(textOf(SettingPlace{.asic = 1, .core = 2}), "ASIC 1 core 2");
+  EXPECT_EQ(textOf(SettingPlace{.asic = 1, .port = 2, .userPort = 3, .side = "tx", .link = 0}),
+            "ASIC 1 port 2 (user 3) tx link 0");
+}
+
+TEST(Compare, APortOfNoTopologyHasNoUserPort) {
+  SwitchState after;
+  after.asics.emplace_back().ports.emplace_back().port = 3;
+  SwitchState before = after;
+  before.asics[0].ports.clear();
+  const Comparison comparison = compare(before, after);
+  ASSERT_EQ(comparison.notInFirst.size(), 1U);
+  EXPECT_EQ(textOf(comparison.notInFirst[0]), "ASIC 0 port 3");
 }
 
 TEST(DiffReport, TextHasAHeadingForEachPlace) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "serdesctl/base/errors.h"
+#include "serdesctl/formats/json_object.h"
 #include "serdesctl/state/compare.h"
 #include "tests/serdesctl/state/random_state.h"
 
@@ -117,6 +118,69 @@ TEST(StateJson, RefusesValuesWithTheirPlace) {
     EXPECT_NE(said.find(message), std::string::npos) << now << ": " << said;
     EXPECT_EQ(said.find("lab.json: /"), 0U) << said;
   }
+}
+
+// A save with another value somewhere.
+std::string edited(const Save& save, const std::string& place, const Json& value) {
+  Json json = Json::parse(saveText(save));
+  json[Json::json_pointer(place)] = value;
+  return json.dump();
+}
+
+TEST(StateJson, RefusesWhatCannotBe) {
+  Save save = smallSave();
+  save.state.asics[0].ports[0].observed.links.emplace_back().decodeErrors =
+      Count{.number = 3, .lowest = 3, .highest = 3};
+  const std::string port = "/asics/0/ports/0", link = "/observations/asics/0/ports/0/links/0";
+  const Json ports = Json::parse(saveText(save)).at(Json::json_pointer("/asics/0/topology/ports"));
+  Json tooMany = Json::array();
+  while (tooMany.size() <= kMaxPorts) {
+    tooMany.push_back(ports[0]);
+    tooMany.back()["port"] = tooMany.size() - 1;
+  }
+  const std::vector<std::tuple<std::string, Json, std::string>> cases = {
+      {port + "/tx/0/slew_ps", 31, port + R"(/tx/0/slew_ps: none of 24, 30, 36, 50, 60, 75, 100, "UNK")"},
+      {port + "/tx/0/slew_ps", "36", port + R"(/tx/0/slew_ps: none of 24, 30, 36, 50, 60, 75, 100, "UNK")"},
+      {port + "/tx/0/link", 1, port + "/tx/0/link: not 0"},
+      {port + "/tx/0/link", -1, port + "/tx/0/link: not 0"},
+      {port + "/tx_caches", Json::array(), port + "/tx_caches: not an object"},
+      {link + "/decode_errors", "3", link + "/decode_errors: not a count"},
+      {link + "/decode_errors", -3, link + "/decode_errors: not a count"},
+      {link + "/decode_errors_min", -3, link + "/decode_errors_min: not a count"},
+      {"/observations/time", 5, "/observations/time: not a text"},
+      {"/observations/asics", Json::array(), "/observations/asics: not of the same ASICs as the settings"},
+      {"/observations/asics/0/ports", Json::array(),
+       "/observations/asics/0/ports: not of the same ports as the settings"},
+      {"/asics/0/topology/ports", Json::array(), port + ": the topology has no ports"},
+      {"/asics/0/topology/ports", tooMany, "/asics/0/topology/ports/24: more ports than an ASIC can have"},
+      {"/asics/0/topology/ports/0/tx_links", 5, "taken"},
+      {"/asics/0/topology/ports/0/tx_links", 2, port + "/tx: not of the port's 2 links"},
+  };
+  for (const auto& [place, value, message] : cases) {
+    const std::string expected = message == "taken" ? message : "lab.json: " + message;
+    EXPECT_EQ(refusal(edited(save, place, value)), expected) << place;
+  }
+}
+
+// No port has more links than there can be, whatever it says of itself.
+TEST(StateJson, RefusesLinksBeyondAllPorts) {
+  Save save = smallSave();
+  AsicState& asic = save.state.asics[0];
+  asic.config.ports[0].tx.links = 6;
+  for (const std::size_t links : {0, 1, 4, 5}) {
+    asic.ports[0].tx.resize(links);
+    EXPECT_EQ(refusal(saveText(save)),
+              links < 5 ? "taken" : "lab.json: /asics/0/ports/0/tx: not of the port's 6 links");
+  }
+}
+
+TEST(StateJson, RefusesWhatIsNotInOrder) {
+  Save save = smallSave();
+  save.state.asics.push_back(save.state.asics[0]);
+  EXPECT_EQ(refusal(saveText(save)), "lab.json: /asics/1/asic: not in order");
+  save.state.asics.pop_back();
+  save.state.asics[0].ports.push_back(save.state.asics[0].ports[0]);
+  EXPECT_EQ(refusal(saveText(save)), "lab.json: /asics/0/ports/1/port: not in order");
 }
 
 TEST(StateJson, RefusesTexts) {

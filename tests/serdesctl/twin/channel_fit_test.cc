@@ -97,6 +97,18 @@ TEST(ChannelFit, FindsCablesAndModules) {
   }
 }
 
+TEST(ChannelFit, GoesNoFurtherThanMediaDo) {
+  Random random(9);
+  const Transmitter transmitter = randomTransmitter(random);
+  const double longest = mediumRow(Medium::kCopper).longest;
+  const FitLink link = linkOver(longest, Medium::kCopper, transmitter, randomReceiver(random), 4.25);
+  ChannelFit fit = fitChannel({&link, 1}, transmitter, Medium::kCopper);
+  addRange({&link, 1}, transmitter, fit);
+  EXPECT_NEAR(fit.length, longest, longest / 10);
+  EXPECT_GT(fit.longest, longest - 1);
+  EXPECT_LE(fit.longest, longest);
+}
+
 TEST(ChannelFit, SaysHowFarOffAnotherFarEndIs) {
   Transmitter sent;
   sent.ffeMode = 1;
@@ -117,14 +129,17 @@ TEST(ChannelFit, StatisticsWithoutValuesAreNoReadings) {
   EXPECT_FALSE(readingsOf(DfeStatsValues{}));
   DfeStatsValues values;
   values.ap = 78;
+  EXPECT_FALSE(readingsOf(values));
   values.amin = -3;
   values.evenOddTaps[0] = 10;
   values.evenOddTaps[1] = 13;
   values.taps[1] = 4;
+  values.evenOddTaps[4] = 9;  // without its odd one it tells nothing
   const auto readings = readingsOf(values);
   ASSERT_TRUE(readings);
   EXPECT_EQ(readings->taps[0], 11.5);
   EXPECT_EQ(readings->taps[1], 4);
+  EXPECT_EQ(readings->taps[2], 0);
   EXPECT_EQ(readings->ap, 78);
   EXPECT_EQ(readings->amin, -3);
 }

@@ -1,7 +1,10 @@
 // Appending from many processes, and making room.
 #include "serdesctl/journal/journal_file.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,6 +14,7 @@
 #include <set>
 
 #include "serdesctl/base/errors.h"
+#include "serdesctl/journal/journal.h"
 
 namespace serdesctl {
 namespace {
@@ -97,6 +101,39 @@ TEST_F(JournalFileTest, AFileThatCannotBeReadIsSaid) {
   std::string notices;
   EXPECT_TRUE(readJournal(folder_, [&](const std::string& text) { notices += text; }).empty());
   EXPECT_EQ(notices, folder_ + "/journal.jsonl: Too many levels of symbolic links");
+}
+
+TEST_F(JournalFileTest, AWriterThatWasStoppedDoesNotStopEverybody) {
+  const std::string name = folder_ + "/journal.jsonl";
+  const Fd stopped(::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644));
+  ASSERT_EQ(::flock(stopped.get(), LOCK_EX), 0);
+  JournalFile file(folder_, ignore, {.othersMayTake = Seconds(0.02)});
+  try {
+    file.append("line\n", false);
+    ADD_FAILURE() << "appended";
+  } catch (const WriteError& error) {
+    EXPECT_EQ(error.what(), "journal " + name + " cannot be locked: Resource temporarily unavailable");
+  }
+}
+
+TEST_F(JournalFileTest, WhatDoesNotReachTheDiskIsNotAppended) {
+  ASSERT_EQ(::mkfifo((folder_ + "/journal.jsonl").c_str(), 0644), 0);
+  JournalFile pipe(folder_, ignore);
+  EXPECT_NO_THROW(pipe.append("line\n", false));
+  EXPECT_THROW(pipe.append("line\n", true), WriteError);
+}
+
+TEST_F(JournalFileTest, WhatWasNeverIntendedIsNeitherLostNorDropped) {
+  RunJournal journal(JournalFile(folder_, ignore), "lab", false);
+  journal.intend(std::vector<std::string>{"setRate 8G 0"});
+  journal.answered(CMD_OK);
+  journal.lost("the tool has gone");
+  journal.dropRest();
+  const std::vector<JournalEntry> entries = readEntries(readJournal(folder_, ignore), ignore);
+  ASSERT_EQ(entries.size(), 1U);
+  EXPECT_EQ(entries[0].result, "answered");
+  EXPECT_EQ(entries[0].reason, "");
+  EXPECT_EQ(readJournal(folder_, ignore).size(), 2U);
 }
 
 TEST_F(JournalFileTest, WithoutAFolderNothingIsAppended) {

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "serdesctl/apply/undoing.h"
+#include "serdesctl/base/errors.h"
 
 namespace serdesctl {
 namespace {
@@ -116,6 +117,52 @@ TEST_F(RunStore, OfTooManyTheOldestEndedOnesGo) {
   for (const FoundRun& run : found())
     names.push_back(run.record.run);
   EXPECT_EQ(names, (std::vector<std::string>{"run000", "run004", "run005", "run006"}));
+}
+
+TEST_F(RunStore, ARunThatIsUnderWayStays) {
+  const auto running = open(0);
+  running->add({step("setRate 8G 0")}, {});
+  end(1, 2);
+  end(2, 2);
+  std::vector<std::string> names;
+  for (const FoundRun& run : found())
+    names.push_back(run.record.run);
+  EXPECT_EQ(names, (std::vector<std::string>{"run000", "run002"}));
+  EXPECT_FALSE(found().at(0).isLeft());
+}
+
+TEST_F(RunStore, WhatNeverBecameARunGoesWhenItsProcessHas) {
+  const auto starting = open(1);
+  (void)open(2);
+  end(3);
+  const fs::path runs = fs::path(found().at(0).folder).parent_path();
+  fs::create_directory(runs / "run004");  // whose lock is about to be made
+  std::ofstream(runs / "stray") << "no folder";
+  end(5);
+  std::vector<std::string> there;
+  for (const auto& entry : fs::directory_iterator(runs))
+    there.push_back(entry.path().filename());
+  std::sort(there.begin(), there.end());
+  EXPECT_EQ(there, (std::vector<std::string>{"run001", "run003", "run004", "run005", "stray"}));
+  EXPECT_EQ(found().size(), 2U);
+  EXPECT_EQ(notices_, std::vector<std::string>());
+}
+
+TEST_F(RunStore, ARunWithoutALockIsNobodys) {
+  const auto run = open(1);
+  run->add({step("setRate 8G 0")}, {});
+  fs::remove(found().at(0).folder + "/lock");
+  EXPECT_TRUE(found().at(0).isLeft());
+}
+
+TEST_F(RunStore, AStateThatIsNoneIsSaid) {
+  end(1);
+  const std::string file = found().at(0).folder + "/run.json";
+  std::string text = readFile(file, 1U << 20);
+  text.replace(text.find("\"done\""), 6, "\"gone\"");
+  writeFileWhole(file, text);
+  EXPECT_TRUE(found().empty());
+  EXPECT_EQ(notices_, std::vector<std::string>{file + ": /state: no state of a run"});
 }
 
 TEST_F(RunStore, TargetsAreApart) {
