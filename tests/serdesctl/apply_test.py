@@ -134,8 +134,8 @@ class Applying(ChangingTest):
         lines = journal.read_text().splitlines(keepends=True)
         answers = [number for number, line in enumerate(lines) if '"answered"' in line]
         for kept, sent in ((answers[-3], True), (0, False)):  # an answer to the way back; the first command
-            room = 100000 + sum(map(len, lines[:kept])) + 20
-            journal.write_text("-" * 99999 + "\n")
+            room = 1000000 + sum(map(len, lines[:kept])) + 20
+            journal.write_text("-" * 999999 + "\n")
             limit = functools.partial(resource.setrlimit, resource.RLIMIT_FSIZE, (room, room))
             status, _, err = self.do(*words, preexec_fn=limit, restore_signals=False)
             said = "not confirmed: rolled back, the switch is as before" if sent else "File too large: nothing was sent"

@@ -181,6 +181,7 @@ class Journal(ProgramTest):
             signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
             resource.setrlimit(resource.RLIMIT_FSIZE, (700, 700))
 
+        self.without_profile()
         self.run_script("setRate 8G 1\n" * 2)
         before = self.journal_file().read_bytes()
         self.assertLess(len(before), 700)
@@ -196,6 +197,7 @@ class Journal(ProgramTest):
             signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
             resource.setrlimit(resource.RLIMIT_FSIZE, (1500, 1500))
 
+        self.without_profile()
         script = self.script("setRate 8G 1\n" * 20)
         status, out, err = self.ctl("-t", "sim", "run", "--echo", script, preexec_fn=little_room)
         self.assertEqual(status, 1, err)

@@ -120,6 +120,7 @@ class Undoing(ChangingTest):
 
 class Killed(ChangingTest):
     def test_undo_leads_back_from_every_moment(self) -> None:
+        self.without_profile()
         rng = random.Random(os.environ.get("CHANGING_SEED", "1"))
         self.on_description(SMALL)
         start = self.save("start.json")
