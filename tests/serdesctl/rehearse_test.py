@@ -61,13 +61,21 @@ class Rehearse(ProgramTest):
             "setRate 4G 2\n"
             "nonsense\n"
             "setRate 20G 3 #: expect 10\n"
+            "setRate 1G 4 #: expect 10\n"
         )
         script = str(self.folder / "script")
         places = [refusal["place"] for refusal in report["refused"]]
-        self.assertEqual(places, [f"{script}:{line}" for line in (1, 2, 3, 5)])
+        self.assertEqual(places, [f"{script}:{line}" for line in (1, 2, 3, 5, 7)])
         self.assertIn("-9", next(r["reason"] for r in report["refused"] if r["place"].endswith(":1")))
         self.assertIn("nonsense", next(r["command"] for r in report["refused"] if r["place"].endswith(":5")))
+        self.assertRegex(report["refused"][-1]["reason"], r", and status 10 was expected$")
         self.assertEqual({c["parameter"] for c in report["changes"] if c["port"] == 2}, {"config_rate"})
+
+    def test_lines_that_cannot_be_read_are_told_first(self) -> None:
+        report = self.rehearse("setRate 9G 1\nsetTxEnable 0 5\nshowRate" + 65 * " 1" + "\n")
+        places = [refusal["place"].removeprefix(f"{self.folder / 'script'}:") for refusal in report["refused"]]
+        self.assertEqual(places, ["3", "1"])
+        self.assertEqual([port["port"] for port in report["ports"]], [5])
 
     def test_the_switch_is_left_alone(self) -> None:
         trace, state = self.folder / "trace", self.folder / "state"
@@ -85,6 +93,28 @@ class Rehearse(ProgramTest):
         self.assertEqual(self.ctl("-t", BENCH, "save", "-o", save).status, 0)
         report = self.rehearse("setTxEnable 0 5\n", "--on", save, target="nobody")
         self.assertEqual([(p["port"], p["verdict_after"]) for p in report["ports"]], [(5, "down")])
+
+    def test_an_asic_that_is_not_in_the_save(self) -> None:
+        save = self.folder / "save.json"
+        target = f"sim:{shipped_switch('all-gl')}"
+        self.assertEqual(self.ctl("-t", target, "save", "-o", save, "--asic", "1", "--ports", "3").status, 0)
+        report = self.rehearse("setAsicNum 1\nsetTxEnable 0 3\n", "--on", save, target="nobody")
+        self.assertEqual([(p["asic"], p["port"], p["trend"]) for p in report["ports"]], [(1, 3, "worse")])
+
+    def test_without_a_place_for_the_twin(self) -> None:
+        self.env["TMPDIR"] = "/proc"
+        done = self.ctl("-t", BENCH, "rehearse", self.script("showRate all\n"))
+        self.assertEqual((done.status, done.out), (1, ""))
+        self.assertRegex(done.err, r"^serdesctl: /proc/serdesctl\.\S+: No such file or directory\n$")
+
+    def test_all_settings_that_are_refused_are_told(self) -> None:
+        beyond = (
+            '[[settings]]\nports = "{}"\ntransmit = {{ mode = "FFE3", k = {}, c0 = -60, c1 = 63, c2 = -63, c3 = 0 }}\n'
+        )
+        report = self.rehearse(beyond.format(2, 140) + beyond.format(5, 141), name="settings.toml")
+        self.assertEqual(report["changes"], [])
+        refused = [(refusal["command"].split()[2], refusal["reason"]) for refusal in report["refused"]]
+        self.assertEqual([power for power, _ in refused], ["140", "141"])
 
     def test_settings(self) -> None:
         settings = (
