@@ -41,7 +41,7 @@ class Unlocking {
 bool lockInTime(const Fd& file, int how, Seconds othersMayTake) {
   const TimePoint deadline = after(othersMayTake);
   while (::flock(file.get(), how | LOCK_NB) != 0) {
-    if (errno != EWOULDBLOCK || Clock::now() >= deadline) return false;
+    if ((errno != EWOULDBLOCK && errno != EINTR) || Clock::now() >= deadline) return false;
     (void)waitThroughSignals({}, after(kBetweenTries));
   }
   return true;

@@ -11,6 +11,7 @@ import resource
 import signal
 import subprocess
 import sys
+import time
 import unittest
 from pathlib import Path
 
@@ -260,6 +261,7 @@ class Interrupting(ChangingTest):
         for told in ("waiting until", "rolling back"):
             while told not in (line := process.stderr.readline()):
                 self.assertTrue(line)
+            time.sleep(0.1)
             process.send_signal(signal.SIGINT)
         _, err = process.communicate(timeout=LIMIT_SECONDS)
         self.assertEqual((process.returncode, "the switch is as before" in err), (130, True), err)
