@@ -39,7 +39,7 @@ inline void overlay(LiveTx& under, const LiveTx& over) {
   overlay(under.c1, over.c1);
   overlay(under.c2, over.c2);
   overlay(under.c3, over.c3);
-  if (over.slewPs || over.slewUnnamed) static_cast<LiveSlew&>(under) = over;
+  if (over.slewPs || over.slewUnnamed) static_cast<LiveSlew&>(under) = static_cast<const LiveSlew&>(over);
 }
 
 inline void overlay(LiveRx& under, const LiveRx& over) {

@@ -35,7 +35,7 @@ constexpr unsigned kMicrosecondsPerCall = 10'000;
 class TemporaryFolder {
  public:
   TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "serdesctl.XXXXXX").string();
+    std::string name = environmentVariable("TMPDIR").value_or("/tmp") + "/serdesctl.XXXXXX";
     if (::mkdtemp(name.data()) == nullptr) throw WriteError(name + ": " + errorText());
     path_ = name;
   }

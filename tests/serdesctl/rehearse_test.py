@@ -144,6 +144,12 @@ class Rehearse(ProgramTest):
             done = self.ctl("-t", BENCH, *words)
             self.assertEqual((done.status, done.out), (2, ""), done.err)
 
+    def test_no_room_for_the_twin(self) -> None:
+        self.env["TMPDIR"] = f"{self.folder}/none"
+        done = self.ctl("-t", BENCH, "rehearse", self.script("setRate 8G 1\n"))
+        self.assertEqual((done.status, done.out), (1, ""))
+        self.assertRegex(done.err, rf"\Aserdesctl: {self.folder}/none/serdesctl\.X+: No such file or directory\n\Z")
+
 
 if __name__ == "__main__":
     unittest.main()
