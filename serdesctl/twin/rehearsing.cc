@@ -35,8 +35,9 @@ constexpr unsigned kMicrosecondsPerCall = 10'000;
 class TemporaryFolder {
  public:
   TemporaryFolder() {
-    std::string name = environmentVariable("TMPDIR").value_or("/tmp") + "/serdesctl.XXXXXX";
-    if (::mkdtemp(name.data()) == nullptr) throw WriteError(name + ": " + errorText());
+    const std::string folder = environmentVariable("TMPDIR").value_or("/tmp");
+    std::string name = folder + "/serdesctl.XXXXXX";
+    if (::mkdtemp(name.data()) == nullptr) throw WriteError(folder + ": " + errorText());
     path_ = name;
   }
   ~TemporaryFolder() {

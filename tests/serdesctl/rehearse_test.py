@@ -147,8 +147,7 @@ class Rehearse(ProgramTest):
     def test_no_room_for_the_twin(self) -> None:
         self.env["TMPDIR"] = f"{self.folder}/none"
         done = self.ctl("-t", BENCH, "rehearse", self.script("setRate 8G 1\n"))
-        self.assertEqual((done.status, done.out), (1, ""))
-        self.assertRegex(done.err, rf"\Aserdesctl: {self.folder}/none/serdesctl\.X+: No such file or directory\n\Z")
+        self.assertEqual(done, (1, "", f"serdesctl: {self.folder}/none: No such file or directory\n"))
 
 
 if __name__ == "__main__":
