@@ -17,7 +17,7 @@ constexpr std::array<unsigned, 4> kDfeTaps = {3, 5, 0, 1};
 constexpr int kStepOfK = 17;
 constexpr int kEthernetMain = 63;
 constexpr int kStepOfPreEmphasis = 2;
-constexpr VgaSettings kEthernetVga = {.pole = 7, .peak = 0, .amax = 0x40};
+constexpr VgaSettings kEthernetVga = {.pole = kMaxPole, .peak = 0, .amax = 0x40};
 
 bool fits(int value, int least, int greatest) {
   return least <= value && value <= greatest;

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -135,6 +136,7 @@ TEST_F(StateFiles, KeepTheirPermissions) {
 
 TEST_F(StateFiles, ReplaceWhatAKilledSessionLeft) {
   std::ofstream(path("state.new")) << "half a sta";
+  errno = 0;  // nothing of before tells that it may be there
   keepNow(path());
   EXPECT_EQ(files(), std::vector<std::string>{"state"});
   EXPECT_EQ(errorOf(path(), kBadState), "no error");

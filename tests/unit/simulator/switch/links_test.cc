@@ -100,6 +100,19 @@ TEST_F(Stream, IsKeptByAPortWithoutLinks) {
   EXPECT_EQ(sw.getStream(id(9), &enabled), kBadPort);
 }
 
+class UnevenCable : public SwitchTest {
+ protected:
+  UnevenCable() : SwitchTest("[[asics.ports]]\nports = 2\nlinks = 2\n[[asics.ports]]\nports = 4\nmedia = \"none\"\n") {}
+};
+
+TEST_F(UnevenCable, BringsNothingFromALinkThatIsNotOrWithoutAMedium) {
+  EXPECT_EQ(readRx(2, 2, 0) & 1U, 1U);
+  EXPECT_EQ(readRx(2, 2, 1) & 1U, 0U);
+  EXPECT_LT(statsOf(4).Ap, 5);
+  ASSERT_EQ(sw.setTestOption(0, 2, 1, kTestInjectErrors, 5), kOk);
+  EXPECT_EQ(decodeErrors(3), 0U);
+}
+
 class SilentAtStart : public SwitchTest {
  protected:
   SilentAtStart() : SwitchTest("[[asics.ports]]\nports = \"3,8\"\nsends = false\n") {}

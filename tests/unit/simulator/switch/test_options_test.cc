@@ -189,6 +189,7 @@ TEST_F(HoldDfe, AdaptingAnewLeavesAFreeOneFree) {
 TEST_F(HoldDfe, IsForSerDesThatHaveADfe) {
   EXPECT_EQ(sw.setTestOption(0, 7, 0, kTestHoldDfe, 0), kNotSupported);
   EXPECT_EQ(sw.setTestOption(0, 7, 0, kTestReadapt, 0), kNotSupported);
+  EXPECT_EQ(sw.setTestOption(0, 8, kAllLinks, kTestHoldDfe, 0), kOk);  // of no links
   int status = 0;
   EXPECT_EQ(sw.getTestStatus(0, 7, 0, kTestHoldDfe, &status), kNotSupported);
   EXPECT_EQ(sw.setTestOption(0, 6, -1, kTestHoldDfe, 0), kOk);
@@ -323,6 +324,15 @@ TEST_F(InjectErrors, GoNowhereFromASilentTransmitterOrIntoALoopedFarEnd) {
   ASSERT_EQ(sw.setTestOption(0, 0, 0, kTestInjectErrors, 5), kOk);
   ASSERT_EQ(sw.setStream(id(0), true), kOk);
   EXPECT_EQ(decodeErrors(0), 0U);
+}
+
+TEST_F(InjectErrors, AreNotInFramesWhereTheMediumDoesNotTakeTheSpeed) {
+  for (const unsigned port : {2U, 3U})
+    ASSERT_EQ(sw.setPortSpeed(id(port), SPEED_10G), kOk);
+  ASSERT_EQ(statusOf(3), kStatusNoSpeed);
+  ASSERT_EQ(readRx(3, 2) & 0x3U, 0x3U);
+  ASSERT_EQ(sw.setTestOption(0, 2, 0, kTestInjectErrors, 5), kOk);
+  EXPECT_EQ(decodeErrors(3), 0U);
 }
 
 TEST_F(InjectErrors, OnAllLinksAreCountedOnEach) {
