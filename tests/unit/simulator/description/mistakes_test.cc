@@ -353,8 +353,10 @@ TEST(DescriptionValues, MayBeThoseOfAllRegisters) {
 TEST(DescriptionText, MayHaveAnyCharacterInQuotesAndRemarks) {
   const std::string text =
       "# \u00e9 \" ' [[=\n"
-      "type_names = [\"\u00e9\", '\u00e9', \"\\\"#\", '#\"', \"\"\"a\"\"\", ''''\u00e9\n\u00e9''''', \"\"] # \u2c7f\n";
-  const std::array<std::string, kSerDesTypes> names = {"\u00e9", "\u00e9", "\"#", "#\"", "a", "'\u00e9\n\u00e9''", ""};
+      "type_names = [\"\u00e9\", '\u00e9', \"\\\"\u00e9#\", '#\"', \"\"\"a\"\"\"\", ''''\u00e9\n\u00e9''''', \"\"] # "
+      "\u2c7f\n";
+  const std::array<std::string, kSerDesTypes> names = {
+      "\u00e9", "\u00e9", "\"\u00e9#", "#\"", "a\"", "'\u00e9\n\u00e9''", ""};
   for (const std::string byteOrderMark : {"", "\xef\xbb\xbf"})
     EXPECT_EQ(readDescription(byteOrderMark + text + kOnePort, "some.toml").typeNames, names);
 }
@@ -373,6 +375,8 @@ TEST(DescriptionText, MayHaveManyPointsButNotInOneKey) {
 // The rest of the message is the TOML library's.
 TEST(DescriptionMistake, ThatIsNotTomlIsNamedWithFileAndLine) {
   EXPECT_EQ(errorOf("slots = 1\na = = 1\n").substr(0, 13), "some.toml:2: ");
+  for (const std::string end : {"\"\\", "\"\"\"a", "'''a'''"})
+    EXPECT_EQ(errorOf("a = " + end).substr(0, 13), "some.toml:1: ") << end;
 }
 
 }  // namespace
