@@ -82,6 +82,12 @@ TEST_F(LinkRegisters, TapRegistersFollowTheAdaptation) {
   EXPECT_NE(h1, 0U);
 }
 
+TEST_F(LinkRegisters, WritingBesideTheTapsLeavesThemAdapting) {
+  for (const unsigned address : {3U, 4U, 23U})
+    ASSERT_EQ(writeRx(1, address, readRx(1, address)), kOk);
+  EXPECT_EQ(testStatus(1, kTestHoldDfe), 0);
+}
+
 TEST_F(LinkRegisters, WritingATapHoldsItAndTheOthersWhereTheyStand) {
   const SerDesRxDFEStats adapted = statsOf(1);
   ASSERT_EQ(writeRx(1, 5, 0x0305), kOk);
