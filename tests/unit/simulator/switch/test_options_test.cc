@@ -212,6 +212,10 @@ class Scan : public SwitchTest {
 TEST_F(Scan, InTheMiddleIsTheLinksOwnErrorRate) {
   for (const unsigned port : {0U, 1U, 2U, 4U, 6U, 7U})
     EXPECT_NEAR(at(port, 0, 0) / 10.0, margin(port, kMarginErrorRate) - 0.5, 0.55) << port;
+  for (int k = 60; k <= 120; k += 4) {
+    ASSERT_EQ(sw.setTxFfe(0, 1, 0, {.mode = FFE_3, .k = k, .c = {-2, 58, -10, 0}}), kOk);
+    EXPECT_NEAR(at(1, 0, 0) / 10.0, margin(1, kMarginErrorRate) - 0.5, 0.55) << k;
+  }
 }
 
 TEST_F(Scan, OnlyClosesOutwards) {
@@ -282,8 +286,8 @@ TEST_F(Margin, ShowsTheEyeOrTheDecadesOfTheErrorRate) {
 }
 
 TEST_F(InjectErrors, ArriveAtTheFarEnd) {
-  ASSERT_EQ(sw.setTestOption(0, 3, 0, kTestInjectErrors, 5), kOk);
   ASSERT_EQ(sw.setTestOption(0, 3, 0, kTestInjectErrors, 2), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 3, 0, kTestInjectErrors, 5), kOk);
   EXPECT_EQ(testStatus(3, kTestInjectErrors), 7);
   EXPECT_EQ(readTx(3, 10), 7U);
   EXPECT_EQ(decodeErrors(2), 7U);
@@ -344,6 +348,15 @@ TEST_F(Temperature, IsThatOfTheCoreOfEitherSide) {
   EXPECT_EQ(testStatus(7, kTestTemperature), 45);
   ASSERT_EQ(sw.setTestOption(0, 7, 0, kTestTemperature, 1), kOk);
   EXPECT_EQ(testStatus(7, kTestTemperature), 47);
+}
+
+// One tap for both decision paths is right for both only if these have the same gain.
+TEST_F(HoldDfe, ChangesNothingWhereATapServesBothPaths) {
+  ASSERT_EQ(sw.setTxFfe(0, 6, 0, {.mode = FFE_NONE, .k = 115, .c = {0, 63, 0, 0}}), kOk);
+  const SerDesRxDFEStats adapted = statsOf(6);
+  ASSERT_EQ(sw.setTestOption(0, 6, 0, kTestHoldDfe, 1), kOk);
+  ASSERT_LT(adapted.h[0], -10);
+  EXPECT_NEAR(statsOf(6).Amin, adapted.Amin, 1);
 }
 
 class FourLinksOnTwoCores : public SwitchTest {
