@@ -22,6 +22,19 @@ TEST_F(Loopback, LetsAPortHearItself) {
   EXPECT_EQ(statusOf(5), kStatusNoSignal);
 }
 
+class FourLinksInTheAir : public SwitchTest {
+ protected:
+  FourLinksInTheAir() : SwitchTest("[[asics.ports]]\nports = 6\nmedia = \"none\"\n") {}
+};
+
+TEST_F(FourLinksInTheAir, RunByThemselvesWhenEachIsLooped) {
+  for (int link = 0; link < 4; ++link) {
+    EXPECT_EQ(statusOf(6), kStatusNoMedia) << link;
+    ASSERT_EQ(sw.setTestOption(0, 6, link, kTestLoopback, 1), kOk);
+  }
+  EXPECT_EQ(statusOf(6), kPortStateRunning);
+}
+
 TEST_F(Loopback, ReportsALoopThatCarriesNothing) {
   ASSERT_EQ(sw.setTestOption(0, 5, 0, kTestLoopback, 1), kOk);
   ASSERT_EQ(sw.setStream(id(5), false), kOk);
@@ -327,6 +340,7 @@ TEST_F(InjectErrors, GoNowhereFromASilentTransmitterOrIntoALoopedFarEnd) {
   ASSERT_EQ(sw.setStream(id(0), false), kOk);
   ASSERT_EQ(sw.setTestOption(0, 0, 0, kTestInjectErrors, 5), kOk);
   ASSERT_EQ(sw.setStream(id(0), true), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 4, 0, kTestInjectErrors, 5), kOk);  // to a partner
   EXPECT_EQ(decodeErrors(0), 0U);
 }
 
