@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -136,7 +135,6 @@ TEST_F(StateFiles, KeepTheirPermissions) {
 
 TEST_F(StateFiles, ReplaceWhatAKilledSessionLeft) {
   std::ofstream(path("state.new")) << "half a sta";
-  errno = 0;  // nothing of before tells that it may be there
   keepNow(path());
   EXPECT_EQ(files(), std::vector<std::string>{"state"});
   EXPECT_EQ(errorOf(path(), kBadState), "no error");
@@ -168,7 +166,9 @@ TEST_F(StateFiles, WithAValueOutOfRangeAreRefused) {
 
 TEST_F(StateFiles, ThatAreNoFilesAreRefused) {
   fs::create_directory(path("folder"));
-  EXPECT_EQ(errorOf(path("folder"), kBadState), path("folder") + ": is not a file");
+  fs::create_directory_symlink("folder", path("link"));
+  for (const char* name : {"folder", "link"})
+    EXPECT_EQ(errorOf(path(name), kBadState), path(name) + ": is not a file");
   ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0666), 0);
   EXPECT_EQ(errorOf(path("pipe"), kBadState), path("pipe") + ": is not a file");
 }
