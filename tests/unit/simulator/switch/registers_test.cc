@@ -159,6 +159,22 @@ TEST_F(LinkRegisters, ReadingSettingsWorksOutNoLink) {
   EXPECT_EQ(sw.evaluations(), 1U);
 }
 
+class DescribedRegisters : public SwitchTest {
+ protected:
+  DescribedRegisters()
+      : SwitchTest("[[asics.ports]]\nports = 6\ntx_values = [[0x38], [0x38, 5]]\nrx_values = [[], [0x40]]\n") {}
+};
+
+TEST_F(DescribedRegisters, AreThoseOfTheirLinkAndOthersAsAfterAReset) {
+  for (const int link : {0, 1, 2}) {
+    EXPECT_EQ(readTx(6, 0, link) == 0x38U, link < 2) << link;
+    EXPECT_EQ(readTx(6, 1, link) == 5U, link == 1) << link;
+    EXPECT_EQ(readRx(6, 0, link) == 0x40U, link == 1) << link;
+  }
+  EXPECT_EQ(readTx(0, 11), serDesTraits(2).tx.resetValues()[11]);
+  EXPECT_NE(readTx(0, 11), 0U);
+}
+
 class RegisterCounts : public SwitchTest {
  protected:
   RegisterCounts() : SwitchTest("[[asics.cores]]\ncores = 0\nrx_registers = 4\npll_registers = 32\n") {}
