@@ -114,6 +114,7 @@ TEST_F(StateText, OfAnotherFormatIsRefused) {
   EXPECT_EQ(errorOf(replaced(textNow(), "format = 2", "format = 3")),
             "some.state: is of format 3, and this is format 2");
   EXPECT_EQ(errorOf(replaced(textNow(), "format = 2\n", "")), "some.state:1: format: is missing");
+  EXPECT_EQ(errorOf(replaced(textNow(), "switch = ", "# ")), "some.state:1: switch: is missing");
 }
 
 TEST_F(StateText, OfAnotherDescriptionIsRefused) {
