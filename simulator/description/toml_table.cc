@@ -37,7 +37,7 @@ bool appendRange(std::string_view word, unsigned greatest, std::vector<unsigned>
   while (!word.empty() && word.back() == ' ')
     word.remove_suffix(1);
   const char* const end = word.data() + word.size();
-  unsigned first = 0;
+  unsigned first{};
   auto [stop, error] = std::from_chars(word.data(), end, first);
   if (error != std::errc()) return false;
   unsigned last = first;

@@ -1,6 +1,7 @@
 // Media of a link: their loss, their phase and how they compose.
 #include "simulator/link/channel.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace simulator {
@@ -23,7 +24,7 @@ Channel operator+(const Channel& first, const Channel& second) {
   const double jitter1 = limited(first.randomJitterUi, 0, 0.5);
   const double jitter2 = limited(second.randomJitterUi, 0, 0.5);
   both.randomJitterUi = std::sqrt(jitter1 * jitter1 + jitter2 * jitter2);
-  if (second.crosstalkDb > both.crosstalkDb) both.crosstalkDb = second.crosstalkDb;
+  both.crosstalkDb = std::max(both.crosstalkDb, second.crosstalkDb);
   return both;
 }
 

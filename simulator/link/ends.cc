@@ -1,6 +1,8 @@
 // Filters that the settings at either end of a link stand for.
 #include "simulator/link/ends.h"
 
+#include <cmath>
+
 namespace simulator {
 
 double driveAmplitude(const Transmitter& transmitter) {
@@ -17,7 +19,7 @@ std::array<double, 4> normalisedTaps(const Transmitter& transmitter) {
   for (unsigned n = 0; n < 4; ++n) {
     if (!used[n]) continue;
     taps[n] = limited(transmitter.c[n], -128, 127);
-    sum += taps[n] < 0 ? -taps[n] : taps[n];
+    sum += std::fabs(taps[n]);
   }
   if (sum == 0) return {};
   for (double& tap : taps)

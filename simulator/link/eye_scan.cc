@@ -2,6 +2,7 @@
 #include "simulator/link/eye_scan.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "simulator/link/math.h"
 #include "simulator/link/model.h"
@@ -10,15 +11,15 @@ namespace simulator {
 
 namespace {
 
-double rateAt(const ReceivedSignal& signal, double phaseUi) {
-  return sampleAt(signal, phaseUi).decisions.errorRate();
+bool isOpen(const ReceivedSignal& signal, double phaseUi) {
+  return sampleAt(signal, phaseUi).decisions.errorRate() <= kEyeBer;
 }
 
 }  // namespace
 
 int errorExponent(double ber) {
   constexpr double kTenths = 4.34294481903251828;  // 10 / ln 10
-  return readingOf(limited(-kTenths * naturalLog(limited(ber, kBerFloor, 1)), 0, 180));
+  return readingOf(-kTenths * naturalLog(limited(ber, kBerFloor, 1)));
 }
 
 EyeScan::EyeScan(const Transmitter& transmitter, const Channel& channel, const Receiver& receiver, double baudGbd,
@@ -36,7 +37,8 @@ int EyeScan::worst(int phase, int magnitude) {
     const int level = static_cast<int>(column.exponents.size());
     int exponent = errorExponent(column.decisions->errorRate(level * signal_->lsbV));
     if (level > 0) exponent = std::min(exponent, column.exponents.back());
-    if (phase != 0) exponent = std::min(exponent, worst(phase < 0 ? phase + 1 : phase - 1, level));
+    if (phase < 0) exponent = std::min(exponent, worst(phase + 1, level));
+    if (phase > 0) exponent = std::min(exponent, worst(phase - 1, level));
     column.exponents.push_back(exponent);
   }
   return column.exponents[static_cast<std::size_t>(magnitude)];
@@ -44,26 +46,25 @@ int EyeScan::worst(int phase, int magnitude) {
 
 int EyeScan::exponent(int phase, int level) {
   if (!signal_) return errorExponent(0.5);
-  const int bounded = std::clamp(level, -kMaxLevel, kMaxLevel);
-  return worst(std::clamp(phase, -kMaxPhase, kMaxPhase), bounded < 0 ? -bounded : bounded);
+  return worst(std::clamp(phase, -kMaxPhase, kMaxPhase), std::abs(std::clamp(level, -kMaxLevel, kMaxLevel)));
 }
 
 double EyeScan::edgeUi(int direction) const {
-  for (int phase = 1; phase <= kMaxPhase; ++phase) {
-    double outside = static_cast<double>(direction * phase) / kPhases;
-    if (rateAt(*signal_, outside) <= kEyeBer) continue;
-    double inside = static_cast<double>(direction * (phase - 1)) / kPhases;
-    for (int i = 0; i < 8; ++i) {
-      const double middle = (inside + outside) / 2;
-      (rateAt(*signal_, middle) <= kEyeBer ? inside : outside) = middle;
-    }
-    return inside;
+  const auto at = [&](int phase) { return static_cast<double>(direction * phase) / kPhases; };
+  int phase = 1;
+  while (phase < kMaxPhase && isOpen(*signal_, at(phase)))
+    ++phase;
+  double inside = at(phase - 1);
+  double outside = at(phase);
+  for (int i = 0; i < 8; ++i) {
+    const double middle = (inside + outside) / 2;
+    (isOpen(*signal_, middle) ? inside : outside) = middle;
   }
-  return 0.5 * direction;
+  return inside;
 }
 
 int EyeScan::widthMilliUi() const {
-  if (!signal_ || rateAt(*signal_, 0) > kEyeBer) return 0;
+  if (!signal_ || !isOpen(*signal_, 0)) return 0;
   return readingOf(1000 * (edgeUi(1) - edgeUi(-1)));
 }
 

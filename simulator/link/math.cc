@@ -147,8 +147,7 @@ double naturalLog(double x) {
 }
 
 double exponentialMinusOne(double x) {
-  x = limited(x, -700, 700);
-  if (x < -0.35 || x > 0.35) return exponential(x) - 1;
+  if (!(x >= -0.35 && x <= 0.35)) return exponential(x) - 1;
   double sum = 1;
   for (int i = 15; i >= 2; --i)
     sum = 1 + sum * x / i;
@@ -156,8 +155,9 @@ double exponentialMinusOne(double x) {
 }
 
 double logOnePlus(double x) {
-  const double sum = 1 + limited(x, -1, std::numeric_limits<double>::max());
-  if (sum == 1) return limited(x, -1, 1);
+  x = limited(x, -1, std::numeric_limits<double>::max());
+  const double sum = 1 + x;
+  if (sum == 1) return x;
   // The quotient takes out what 1 + x lost to rounding.
   return sum > 2 || sum < 0.5 ? naturalLog(sum) : naturalLog(sum) * (x / (sum - 1));
 }

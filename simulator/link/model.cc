@@ -36,7 +36,7 @@ bool samePace(double baudGbd, double farBaudGbd) {
 
 int readingOf(double lsb) {
   const double bounded = limited(lsb, -32768, 32767);
-  return static_cast<int>(bounded < 0 ? bounded - 0.5 : bounded + 0.5);
+  return static_cast<int>(bounded + std::copysign(0.5, bounded));
 }
 
 LinkResult silentLink(const Receiver& receiver) {

@@ -50,7 +50,7 @@ double samplingInstant(Pulse pulse) {
   const std::int64_t peak = highestSample(pulse);
   for (std::int64_t step = 0; step <= 2 * 2 * kHalf; ++step) {
     // 0, -1, 1, -2, 2 ... so that the nearest crossing wins.
-    const std::int64_t at = peak + (step % 2 != 0 ? -(step + 1) / 2 : step / 2);
+    const std::int64_t at = peak + (step % 2 != 0 ? -1 - step / 2 : step / 2);
     if (difference(at) > 0 || difference(at + 1) <= 0) continue;
     const double d[] = {difference(at - 1), difference(at), difference(at + 1), difference(at + 2)};
     double low = 0;

@@ -1,6 +1,7 @@
 // Range checks and the translation between registers, platform records and the link model.
 #include "simulator/serdes/settings.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "simulator/error_codes.h"
@@ -17,7 +18,7 @@ constexpr std::array<unsigned, 4> kDfeTaps = {3, 5, 0, 1};
 constexpr int kStepOfK = 17;
 constexpr int kEthernetMain = 63;
 constexpr int kStepOfPreEmphasis = 2;
-constexpr VgaSettings kEthernetVga = {.pole = 7, .peak = 0, .amax = 0x40};
+constexpr int kEthernetAmax = 0x40;
 
 bool fits(int value, int least, int greatest) {
   return least <= value && value <= greatest;
@@ -81,8 +82,7 @@ int setDfe(const SerDesTraits& traits, RegisterFile& rx, std::uint32_t mode) {
 }
 
 int setDfeState(const SerDesTraits& traits, RegisterFile& rx, const SerDesRxDFEState& state) {
-  const bool hasAllTaps = traits.rx.has(kTap0) && traits.rx.has(kTap9);
-  if (!traits.hasEvenAndOddTaps || !hasAllTaps) return kNotSupported;
+  if (!traits.rx.has(kTap9)) return kNotSupported;  // all ten, or they are not loaded
   if (state.mode > DFE_1) return kOutOfRange;
   for (unsigned i = 0; i < kTaps; ++i) {
     const FieldPlace& place = *traits.rx.find(tapField(i));
@@ -118,11 +118,7 @@ FfeSettings ffeOf(const SerDesTraits& traits, const RegisterFile& tx) {
 }
 
 VgaSettings vgaOf(const SerDesTraits& traits, const RegisterFile& rx) {
-  if (traits.isEthernet) {
-    VgaSettings settings = kEthernetVga;
-    settings.peak = traits.rx.read(rx, kEqMode);
-    return settings;
-  }
+  if (traits.isEthernet) return {.pole = kMaxPole, .peak = traits.rx.read(rx, kEqMode), .amax = kEthernetAmax};
   return {.pole = traits.rx.read(rx, kPole), .peak = traits.rx.read(rx, kPeak), .amax = traits.rx.read(rx, kAmax)};
 }
 
@@ -180,8 +176,7 @@ Receiver receiverOf(const SerDesTraits& traits, const RegisterFile& rx) {
   unsigned present = 0;
   while (present < kTaps / 2 && traits.rx.has(tapField(2 * present)))
     ++present;
-  const unsigned wanted = kDfeTaps[dfeOf(traits, rx)];
-  receiver.dfeTaps = wanted < present ? wanted : present;
+  receiver.dfeTaps = std::min(kDfeTaps[dfeOf(traits, rx)], present);
   if (receiver.adapt) return receiver;
   for (unsigned i = 0; i < kTaps; ++i) {
     const unsigned held = traits.hasEvenAndOddTaps ? i : i & ~1U;

@@ -11,8 +11,8 @@ namespace {
 
 // Links first to last - 1 of a side.
 struct LinkRange {
-  unsigned first = 0;
-  unsigned last = 0;
+  unsigned first{};
+  unsigned last{};
 };
 
 int findLinks(const PortView& port, SerDesLinkType side, int link, LinkRange* range) {

@@ -37,8 +37,7 @@ std::optional<EyePoint> pointOf(int mode) {
   constexpr int kBias = 128;
   const int fromFirst = mode - static_cast<int>(kMarginPoint) + 256 * kBias + kBias;
   const EyePoint point = {.phase = fromFirst / 256 - kBias, .level = fromFirst % 256 - kBias};
-  const bool isInEye =
-      fromFirst >= 0 && std::abs(point.phase) <= EyeScan::kMaxPhase && std::abs(point.level) <= EyeScan::kMaxLevel;
+  const bool isInEye = std::abs(point.phase) <= EyeScan::kMaxPhase && std::abs(point.level) <= EyeScan::kMaxLevel;
   return isInEye ? std::optional(point) : std::nullopt;
 }
 

@@ -18,6 +18,12 @@ ports = 0
 kind = "GL"
 )";
 
+std::string ethernetPort() {
+  std::string port = kOnePort;
+  port.replace(port.find("GL"), 2, "EXG");
+  return port.replace(port.find("type = 2"), 8, "type = 4");
+}
+
 SwitchDescription read(const std::string& text) {
   return readDescription(text, "some.toml");
 }
@@ -290,10 +296,7 @@ far_end = 0
 
 TEST(Description, EthernetSettingsAreForEthernetPorts) {
   const std::string settings = "[settings.e]\npower = 6\npre_emphasis = 5\ncdr_mode = 2\neq_mode = 1\n";
-  std::string port = kOnePort;
-  port.replace(port.find("GL"), 2, "EXG");
-  port.replace(port.find("type = 2"), 8, "type = 4");
-  const SwitchDescription description = read(settings + port + "cache = \"e\"\n");
+  const SwitchDescription description = read(settings + ethernetPort() + "cache = \"e\"\n");
   const Settings& cache = description.asics[0].ports[0].caches[SPEED_10G];
   EXPECT_EQ(cache.tx.power, 6);
   EXPECT_EQ(cache.tx.slew, SLEW_UNKNOWN);
@@ -339,6 +342,18 @@ operation = "ClrFrameStatCntrs"
   EXPECT_EQ(description.faults[2].answer->text, "a name that is far too long");
   EXPECT_EQ(description.faults[3].code, kInjectedFault);
   EXPECT_FALSE(description.faults[3].always);
+}
+
+TEST(Description, NumbersAreThoseOfTheRecordsInTheirOrderForPortsOfAnyKind) {
+  const std::string settings = "[settings.n]\ntx = [1, 2, 3, 4, 5, 6, 7]\nrx = [8, 9, 10, 11, 12]\n";
+  for (const std::string& port : {kOnePort, ethernetPort()}) {
+    const Settings cache = read(settings + port + "cache = \"n\"\n").asics[0].ports[0].caches[SPEED_10G];
+    const SerDesTxRateParams& tx = cache.tx;
+    const SerDesRxRateParams& rx = cache.rx;
+    EXPECT_EQ(
+        (std::vector{tx.power, tx.slew, tx.mode, tx.p0, tx.p1, tx.p2, tx.p3, rx.mode, rx.p0, rx.p1, rx.p2, rx.p3}),
+        (std::vector{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
+  }
 }
 
 TEST(Description, RawSettingsKeepAnyNumber) {

@@ -336,8 +336,12 @@ INSTANTIATE_TEST_SUITE_P(
                     Mistake{"BehindAnOpenText", "a = \"#\n\u00e9", "some.toml:2" + kOutsideOfQuotes},
                     Mistake{"BehindAnEmptyText", "a = \"\"\u00e9", "some.toml:1" + kOutsideOfQuotes},
                     Mistake{"BehindLines", "a = '''\n\u00e9'''''\u00e9", "some.toml:2" + kOutsideOfQuotes},
+                    Mistake{"NoCharacter", "\x80", "some.toml:1" + kOutsideOfQuotes},
                     Mistake{"InLines", "a = \"\"\"\\\n \u00e9\"\"\"", "some.toml:2" + kInTripleQuotes},
                     Mistake{"EscapedInLines", "a = \"\"\"\\\u00e9\"\"\"", "some.toml:1" + kInTripleQuotes},
+                    Mistake{"KeyOfAsManyPartsAsMayBe",
+                            "a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a = 1.5\nb.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a = 1.5\n",
+                            "some.toml:1: a: " + kUnknown + kTopKeys},
                     Mistake{"KeyOfManyParts", "a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a = 1\n",
                             "some.toml:1: a key of too many parts"}),
     mistakeName);
@@ -348,16 +352,31 @@ TEST(DescriptionValues, MayBeThoseOfAllRegisters) {
 
 TEST(DescriptionText, MayHaveAnyCharacterInQuotesAndRemarks) {
   const std::string text =
-      "\xef\xbb\xbf# \u00e9 \" ' [[=\n"
-      "type_names = [\"\u00e9\", '\u00e9', \"\\\"#\", '#\"', \"\"\"a\"\"\", '''\u00e9\n''''', \"\"] # \u2c7f\n";
-  const SwitchDescription description = readDescription(text + kOnePort, "some.toml");
-  const std::array<std::string, kSerDesTypes> names = {"\u00e9", "\u00e9", "\"#", "#\"", "a", "\u00e9\n''", ""};
-  EXPECT_EQ(description.typeNames, names);
+      "# \u00e9 \" ' [[=\n"
+      "type_names = [\"\u00e9\", '\u00e9', \"\\\"\u00e9#\", '#\"', \"\"\"a\"\"\"\", ''''\u00e9\n\u00e9''''', \"\"] # "
+      "\u2c7f\n";
+  const std::array<std::string, kSerDesTypes> names = {
+      "\u00e9", "\u00e9", "\"\u00e9#", "#\"", "a\"", "'\u00e9\n\u00e9''", ""};
+  for (const std::string byteOrderMark : {"", "\xef\xbb\xbf"})
+    EXPECT_EQ(readDescription(byteOrderMark + text + kOnePort, "some.toml").typeNames, names);
+}
+
+TEST(DescriptionText, MayHaveManyPointsButNotInOneKey) {
+  std::string heads;
+  std::string fractions;
+  for (int i = 0; i < 20; ++i) {
+    heads += "[channels.c" + std::to_string(i) + "] # of no use\n";
+    fractions += "0.5, ";
+  }
+  EXPECT_EQ(errorOf(kOnePort + heads), "no error");
+  EXPECT_EQ(errorOf("type_names = [" + fractions + "]\n"), "some.toml:1: type_names: must be a list of texts");
 }
 
 // The rest of the message is the TOML library's.
 TEST(DescriptionMistake, ThatIsNotTomlIsNamedWithFileAndLine) {
   EXPECT_EQ(errorOf("slots = 1\na = = 1\n").substr(0, 13), "some.toml:2: ");
+  for (const std::string end : {"\"\\", "\"\"\"a", "'''a'''"})
+    EXPECT_EQ(errorOf("a = " + end).substr(0, 13), "some.toml:1: ") << end;
 }
 
 }  // namespace

@@ -73,7 +73,7 @@ TEST(Echo, WidensThePeriodToThePowerOfTwoThatHoldsIt) {
   EXPECT_EQ(periodUi(1), 128u);
   EXPECT_EQ(periodUi(64), 128u);
   EXPECT_EQ(periodUi(64.1), 256u);
-  EXPECT_EQ(periodUi(959.9), 1024u);
+  EXPECT_EQ(periodUi(960), 1024u);
   EXPECT_EQ(periodUi(960.1), 64u);
 }
 
@@ -93,6 +93,8 @@ TEST(Echo, LaterThanThePeriodIsNoiseOfItsPower) {
   EXPECT_DOUBLE_EQ(longestEchoNs(8), 120);
   Channel channel = backplane(20);
   const ReceivedSignal clean = receive(kSender, channel, kReceiver, kBaud8G, {});
+  channel.echoes = {{0.1, longestEchoNs(kBaud8G)}};
+  EXPECT_EQ(arrivalOf(kSender, channel, kReceiver, kBaud8G).lateEchoPower, 0);
   channel.echoes = {{0.1, longestEchoNs(kBaud8G) * 1.001}, {-0.2, 500}};
   const ReceivedSignal echoed = receive(kSender, channel, kReceiver, kBaud8G, {});
   EXPECT_EQ(echoed.cursors.h, clean.cursors.h);

@@ -69,6 +69,8 @@ TEST(Channel, CascadeAddsLossesAndJoinsTheRest) {
   EXPECT_EQ(both.echoes[1].reflection, -0.05);
   EXPECT_NEAR(both.randomJitterUi, 0.05, 1e-15);
   EXPECT_EQ(both.crosstalkDb, -35);
+  second.randomJitterUi = 0.7;
+  EXPECT_EQ((fr4Trace(3) + second).randomJitterUi, 0.5);
 }
 
 // The phase belongs to the loss: the pulse rises steeply and falls slowly. Without it the pulse would be symmetric.

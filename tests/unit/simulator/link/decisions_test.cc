@@ -69,6 +69,7 @@ TEST(ErrorPropagation, GrowsWithTheFirstTap) {
   EXPECT_NEAR(errorPropagation(1, 0.5, 0.1), 1 / (1 - 0.25), 1e-9);
   EXPECT_LT(errorPropagation(1, 0.2, 0.1), errorPropagation(1, 0.4, 0.1));
   EXPECT_EQ(errorPropagation(1, 0.4, 0.1), errorPropagation(1, -0.4, 0.1));
+  EXPECT_EQ(errorPropagation(1e-9, 1e-9, 0), errorPropagation(1e-9, 1e-9, 1e-9));
 }
 
 TEST(Decisions, ErrBetweenTheFloorAndOneHalf) {
@@ -83,10 +84,10 @@ TEST(Decisions, NeedTheSensitivity) {
 
 // A threshold beside the middle costs the ones more than it saves the zeros.
 TEST(Decisions, BesideTheMiddleAreTheMeanOfOnesAndZeros) {
-  const Decisions decisions = decide(1, {}, 0.2, 0.1);
-  EXPECT_NEAR(decisions.errorRate(0.2) / ((tail(3.5) + tail(5.5)) / 2), 1, 1e-9);
-  EXPECT_EQ(decisions.errorRate(0.2), decisions.errorRate(-0.2));
-  EXPECT_GT(decisions.errorRate(0.2), decisions.errorRate());
+  const Decisions decisions = decide(5, {}, 1, 0.5);
+  EXPECT_NEAR(decisions.errorRate(1) / ((tail(3.5) + tail(5.5)) / 2), 1, 1e-9);
+  EXPECT_EQ(decisions.errorRate(1), decisions.errorRate(-1));
+  EXPECT_GT(decisions.errorRate(1), decisions.errorRate());
 }
 
 TEST(Decisions, LevelOfAProbabilityIsItsInverse) {

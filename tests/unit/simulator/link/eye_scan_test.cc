@@ -31,6 +31,7 @@ TEST(ErrorExponent, IsTenthsOfADecade) {
   EXPECT_EQ(errorExponent(2e-3), 27);
   EXPECT_EQ(errorExponent(0.5), 3);
   EXPECT_EQ(errorExponent(1), 0);
+  EXPECT_EQ(errorExponent(2), 0);
 }
 
 TEST(EyeScan, InTheMiddleIsTheLinksOwnErrorRate) {
@@ -116,6 +117,21 @@ TEST(EyeScan, AgreesWithHeightAndWidth) {
       ++late;
     EXPECT_GE(eye.scan.widthMilliUi() + 1, (late - early) * 1000 / 64) << inches;
     EXPECT_LE(eye.scan.widthMilliUi() - 1, (late - early + 2) * 1000 / 64) << inches;
+  }
+}
+
+// Down to an eye that is all but closed, whose late edge is less than a step from the middle.
+TEST(EyeScan, WidthIsThatOfThePhasesAtWhichErrorsAreRare) {
+  for (const double inches : {10.0, 30.0, 46.0}) {
+    const ReceivedSignal signal = receive(kSender, backplane(inches), {}, kBaud8G, {});
+    const auto openUi = [&](double step) {
+      double phase = 0;
+      while (sampleAt(signal, phase + step).decisions.errorRate() <= kEyeBer)
+        phase += step;
+      return std::fabs(phase);
+    };
+    const EyeScan scan(kSender, backplane(inches), {}, kBaud8G, kBaud8G);
+    EXPECT_NEAR(scan.widthMilliUi(), 1000 * (openUi(1.0 / 4096) + openUi(-1.0 / 4096)), 1) << inches;
   }
 }
 

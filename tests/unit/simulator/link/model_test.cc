@@ -209,6 +209,19 @@ TEST(SignalDetect, FindsASignalThatCannotBeRead) {
   EXPECT_EQ(inverted.ber, 0.5);
 }
 
+TEST(SignalDetect, ThresholdsBeyondTheirRangeAreItsEnds) {
+  Channel channel;
+  const double swingV = evaluateLink({}, channel, {}, kBaud8G).swingV;
+  const auto detected = [&](double wantedV, double thresholdMv) {
+    channel.a0 = 20 * std::log10(swingV / wantedV);
+    const LinkResult link = evaluateLink({}, channel, {.signalDetectMv = thresholdMv}, kBaud8G);
+    EXPECT_NEAR(link.swingV / wantedV, 1, 1e-6);
+    return link.signalDetected;
+  };
+  EXPECT_TRUE(detected(0.0005, -9e9));
+  EXPECT_TRUE(detected(2.0005, 9e9));
+}
+
 TEST(FarEnd, AtAnotherRateNeverLocks) {
   const Transmitter good = sender(115, {-4, 55, -20, 0});
   EXPECT_TRUE(evaluateLink(good, backplane(20), Receiver{}, kBaud8G, kBaud8G).locked);
@@ -234,6 +247,11 @@ TEST(Gain, UnreachableAmaxStaysWithoutLock) {
   }
   EXPECT_NEAR(evaluateLink(good, backplane(20), Receiver{.amax = 127}, kBaud8G).ap, 127, 1e-9);
   EXPECT_NEAR(evaluateLink(good, backplane(20), Receiver{.amax = INT_MAX}, kBaud8G).ap, 127, 1e-9);
+}
+
+TEST(Gain, OfAFaintSignalIsWhatAmaxAsksForAndOfNoneTheHighest) {
+  EXPECT_EQ(receive(sender(1, {0, 63, 0, 0}), backplane(20), {.amax = 0}, kBaud8G, {}).gain, kMinGain);
+  EXPECT_EQ(receive(sender(0, {0, 63, 0, 0}), backplane(20), {.amax = 0}, kBaud8G, {}).gain, kMaxGain);
 }
 
 TEST(Gain, CoarseReadingsCostErrors) {
@@ -336,6 +354,7 @@ TEST(SamePace, IsThatOfClocksAsFarApartAsTheReceiverFollows) {
     EXPECT_FALSE(samePace(baud, baud * (1 + 1.0001 * kCaptureRange))) << baud;
     EXPECT_FALSE(samePace(baud, baud * (1 - 1.0001 * kCaptureRange))) << baud;
   }
+  EXPECT_TRUE(samePace(15.625, 15.625 + kCaptureRange * 15.625));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "tests/unit/simulator/link/reference.h"
@@ -98,6 +99,28 @@ TEST(SamplingInstant, OfASinglePoleHasClosedForm) {
   const double d = std::exp(-kPi / 4);
   const double x = d / (2 - d * d);
   EXPECT_NEAR(samplingInstant(singlePole(0.25)), -std::log(x) * 2 / kPi, 1e-3);
+}
+
+// A flat top from sample 0 on, whose edges meet half a UI before its end.
+std::vector<double> flatTop(std::size_t samples) {
+  std::vector<double> pulse(1024);
+  std::fill_n(pulse.begin(), samples, 1.0);
+  return pulse;
+}
+
+TEST(SamplingInstant, IsTheNearestCrossingWithinAUnitIntervalOfThePeak) {
+  EXPECT_EQ(samplingInstant(flatTop(kSamplesPerUi + 9)), 1);
+  EXPECT_EQ(samplingInstant(flatTop(kSamplesPerUi + 10)), 0);
+  std::vector<double> alsoBefore = flatTop(kSamplesPerUi + 9);
+  alsoBefore[1024 - kSamplesPerUi - 7] = 0.5;
+  EXPECT_EQ(samplingInstant(alsoBefore), -1);
+}
+
+TEST(SamplingInstant, IsTheFirstPeakWhereNothingCrosses) {
+  std::vector<double> combed(1024);
+  for (std::size_t i = 1; i < combed.size(); i += kSamplesPerUi)
+    combed[i] = 1;
+  EXPECT_EQ(samplingInstant(combed), 1.0 / kSamplesPerUi);
 }
 
 TEST(SamplingInstant, IsAPlaceEvenWithoutAPulse) {

@@ -64,6 +64,7 @@ TEST(Ffe, ModesAndTapsThatTheSerDesLacksAreNotSupported) {
   EXPECT_EQ(tryFfe(k3G, {.mode = FFE_2, .k = 100, .c = {-1, 50, -10, 0}}), kNotSupported);
   EXPECT_EQ(tryFfe(kQuad, {.mode = FFE_3, .k = 100, .c = {-1, 50, -10, 1}}), kNotSupported);
   EXPECT_EQ(tryFfe(k10GE, kFfe), kNotSupported);
+  EXPECT_EQ(tryFfe(k10GE, {.mode = FFE_NONE, .k = 0, .c = {}}), kNotSupported);
 }
 
 TEST(Slew, IsReadBackAsItWasSetAndEndsAt100Picoseconds) {
@@ -83,6 +84,9 @@ TEST(Slew, WithoutControlTheEdgeIsTheDriversOwn) {
   EXPECT_EQ(slewOf(k11G, registers), SLEW_75PS);
   EXPECT_EQ(transmitterOf(k11G, registers).slewPs, kNativeSlewPs);
   EXPECT_EQ(slewOf(k10GE, k10GE.tx.resetValues()), SLEW_UNKNOWN);
+  EXPECT_EQ(setSlew(k11G, registers, true, SLEW_75PS), kOk);
+  k11G.tx.write(registers, Field::kSlew, 7);  // as a register may be written
+  EXPECT_EQ(transmitterOf(k11G, registers).slewPs, kNativeSlewPs);
   RegisterFile ethernet = k10GE.tx.resetValues();
   EXPECT_EQ(setSlew(k10GE, ethernet, true, SLEW_24PS), kNotSupported);
 }
@@ -133,6 +137,7 @@ TEST(DfeState, LoadsModeAndTapsAndHoldsThem) {
     EXPECT_EQ(dfeOf(traits, registers), DFE_5);
     const Receiver receiver = receiverOf(traits, registers);
     EXPECT_FALSE(receiver.adapt);
+    EXPECT_EQ(receiver.dfeTaps, 5U);
     for (std::size_t i = 0; i < kDfeTapCount; ++i)
       EXPECT_EQ(receiver.heldTaps[i], state.h[i]);
     EXPECT_EQ(setDfe(traits, registers, DFE_5), kOk);
@@ -143,9 +148,11 @@ TEST(DfeState, LoadsModeAndTapsAndHoldsThem) {
 TEST(DfeState, RefusesWhatTheRegistersCannotHold) {
   RegisterFile registers = k11G.rx.resetValues();
   SerDesRxDFEState state{};
-  state.h[9] = 128;
-  EXPECT_EQ(setDfeState(k11G, registers, state), kOutOfRange);
-  state.h[9] = -128;
+  for (std::int16_t& h : state.h) {
+    h = 128;
+    EXPECT_EQ(setDfeState(k11G, registers, state), kOutOfRange);
+    h = -128;
+  }
   EXPECT_EQ(setDfeState(k11G, registers, state), kOk);
   state.mode = static_cast<SerDesRxDFEMode>(4);
   EXPECT_EQ(setDfeState(k11G, registers, state), kOutOfRange);
@@ -168,7 +175,7 @@ TEST(Ethernet, PowerAndPreEmphasisShowAsTheFfeThatTheyAre) {
 TEST(Ethernet, TheEqualiserModeShowsAsPeaking) {
   RegisterFile registers = k10GE.rx.resetValues();
   EXPECT_EQ(setEqualiser(k10GE, registers, 2, 5), kOk);
-  EXPECT_EQ(vgaOf(k10GE, registers).peak, 5);
+  EXPECT_TRUE(vgaOf(k10GE, registers) == (VgaSettings{7, 5, 64}));  // all but the peaking is fixed
   EXPECT_EQ(receiverOf(k10GE, registers).peak, 5);
   EXPECT_EQ(setEqualiser(k10GE, registers, 4, 0), kOutOfRange);
   EXPECT_EQ(setEqualiser(k10GE, registers, 0, 8), kOutOfRange);

@@ -166,7 +166,9 @@ TEST_F(StateFiles, WithAValueOutOfRangeAreRefused) {
 
 TEST_F(StateFiles, ThatAreNoFilesAreRefused) {
   fs::create_directory(path("folder"));
-  EXPECT_EQ(errorOf(path("folder"), kBadState), path("folder") + ": is not a file");
+  fs::create_directory_symlink("folder", path("link"));
+  for (const char* name : {"folder", "link"})
+    EXPECT_EQ(errorOf(path(name), kBadState), path(name) + ": is not a file");
   ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0666), 0);
   EXPECT_EQ(errorOf(path("pipe"), kBadState), path("pipe") + ": is not a file");
 }

@@ -1,6 +1,9 @@
 // What a save says to the operating system, and in which order: the new file is whole on the disk before it takes the
-// old one's name, and the name is on the disk before the save is done. The linker turns the calls to these functions.
+// old one's name, and the name is on the disk before the save is done; and what comes of calls that fail. The linker
+// turns the calls to these functions.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -24,12 +27,14 @@ struct Watch {
   std::map<int, std::string> open;
   std::vector<std::string> calls;
   std::string failing;
+  bool isInterrupted = false;  // what fails does so once, for a signal; otherwise again and again, as on a broken disk
 
-  // Whether the call is to be made. One that is to fail fails as a broken disk would make it.
+  // Whether the call is to be made.
   bool note(const std::string& call, const std::string& name) {
     calls.push_back(call + ' ' + name);
     if (calls.back() != failing) return true;
-    errno = EIO;
+    errno = isInterrupted ? EINTR : EIO;
+    if (isInterrupted) failing.clear();
     return false;
   }
   std::string nameOf(const char* path) const {
@@ -47,7 +52,8 @@ Watch& watch = *new Watch;
 int noteOpen(const char* path, int file) {
   if (const std::string name = watch.nameOf(path); !name.empty() && file >= 0) {
     watch.open[file] = name;
-    (void)watch.note("open", name);
+    // No program that is started meanwhile is to have it.
+    (void)watch.note((::fcntl(file, F_GETFD) & FD_CLOEXEC) != 0 ? "open" : "open for all", name);
   }
   return file;
 }
@@ -66,10 +72,14 @@ using simulator::watched;
 extern "C" {
 int __real_open(const char* path, int flags, ...);
 int __real_open64(const char* path, int flags, ...);
+int __real_flock(int file, int operation);
+ssize_t __real_read(int file, void* bytes, std::size_t count);
 ssize_t __real_write(int file, const void* bytes, std::size_t count);
+int __real_fchmod(int file, mode_t mode);
 int __real_fsync(int file);
 int __real_close(int file);
 int __real_rename(const char* from, const char* to);
+int __real_unlink(const char* path);
 
 int __wrap_open(const char* path, int flags, unsigned mode) {
   return simulator::noteOpen(path, __real_open(path, flags, mode));
@@ -77,11 +87,21 @@ int __wrap_open(const char* path, int flags, unsigned mode) {
 int __wrap_open64(const char* path, int flags, unsigned mode) {
   return simulator::noteOpen(path, __real_open64(path, flags, mode));
 }
+int __wrap_flock(int file, int operation) {
+  return watched("flock", watch.nameOf(file), [&] { return __real_flock(file, operation); });
+}
+ssize_t __wrap_read(int file, void* bytes, std::size_t count) {
+  const std::string name = watch.nameOf(file);
+  return name.empty() || watch.note("read", name) ? __real_read(file, bytes, count) : -1;
+}
 ssize_t __wrap_write(int file, const void* bytes, std::size_t count) {
   const std::string name = watch.nameOf(file);
   // By halves, as the system may: the rest has to follow.
   const std::size_t part = name.empty() || count < 2 ? count : count / 2;
   return name.empty() || watch.note("write", name) ? __real_write(file, bytes, part) : -1;
+}
+int __wrap_fchmod(int file, mode_t mode) {
+  return watched("fchmod", watch.nameOf(file), [&] { return __real_fchmod(file, mode); });
 }
 int __wrap_fsync(int file) {
   return watched("fsync", watch.nameOf(file), [&] { return __real_fsync(file); });
@@ -90,10 +110,14 @@ int __wrap_close(int file) {
   const std::string name = watch.nameOf(file);
   watch.open.erase(file);
   const int result = __real_close(file);
+  if (result != 0 && !watch.folder.empty()) (void)watch.note("close", "what is closed");
   return watched("close", name, [&] { return result; });
 }
 int __wrap_rename(const char* from, const char* to) {
   return watched("rename", watch.nameOf(from), [&] { return __real_rename(from, to); });
+}
+int __wrap_unlink(const char* path) {
+  return watched("unlink", watch.nameOf(path), [&] { return __real_unlink(path); });
 }
 }
 
@@ -108,6 +132,8 @@ class SaveOrder : public SwitchTest {
     file->load(sw);
     file->save(sw);
     watch = {.folder = folder.string(), .open = {}, .calls = {}, .failing = ""};
+    std::ofstream(folder / "state.new") << "what a killed session left";
+    errno = 0;
   }
   ~SaveOrder() override {
     watch = {};
@@ -125,8 +151,9 @@ class SaveOrder : public SwitchTest {
   std::optional<StateFile> file;
 };
 
-const std::vector<std::string> kOrder = {"open state.new",   "write state.new", "fsync state.new", "close state.new",
-                                         "rename state.new", "open folder",     "fsync folder",    "close folder"};
+const std::vector<std::string> kOrder = {"unlink state.new", "open state.new",  "fchmod state.new", "write state.new",
+                                         "fsync state.new",  "close state.new", "rename state.new", "open folder",
+                                         "fsync folder",     "close folder"};
 
 TEST_F(SaveOrder, IsWriteFlushRenameFlushTheFolder) {
   file->save(sw);
@@ -139,7 +166,8 @@ TEST_F(SaveOrder, IsWriteFlushRenameFlushTheFolder) {
 
 TEST_F(SaveOrder, EndsWhereACallFails) {
   std::ofstream(folder / "state") << "old";
-  for (const char* call : {"write state.new", "fsync state.new", "close state.new", "rename state.new"}) {
+  for (const char* call : {"fchmod state.new", "write state.new", "fsync state.new", "close state.new",
+                           "rename state.new", "unlink state.new"}) {
     watch.calls.clear();
     watch.failing = call;
     EXPECT_THROW(file->save(sw), StateError) << call;
@@ -148,6 +176,51 @@ TEST_F(SaveOrder, EndsWhereACallFails) {
     EXPECT_EQ(fs::file_size(folder / "state"), 3U) << call;
     EXPECT_FALSE(fs::exists(folder / "state.new")) << call;
   }
+}
+
+TEST_F(SaveOrder, GoesOnAfterASignal) {
+  watch.isInterrupted = true;
+  watch.failing = "write state.new";
+  file->save(sw);
+  EXPECT_EQ(calls(), kOrder);
+  watch.calls.clear();
+  watch.failing = "read state";
+  file->load(sw);
+  EXPECT_EQ(calls(), (std::vector<std::string>{"open state", "read state", "close state"}));
+}
+
+TEST_F(SaveOrder, LoadSaysWhatCannotBeReadOrLocked) {
+  const std::string name = folder / "state";
+  const auto errorOf = [&](const std::string& failing) {
+    watch.failing = failing;
+    try {
+      StateFile(name).load(sw);
+    } catch (const StateError& error) {
+      return std::string(error.what());
+    }
+    return std::string("no error");
+  };
+  file.reset();
+  watch.calls.clear();
+  EXPECT_EQ(errorOf("flock state.lock"), name + ": cannot be locked: Input/output error");
+  EXPECT_EQ(calls(), (std::vector<std::string>{"open state.lock", "flock state.lock", "close state.lock"}));
+  EXPECT_EQ(errorOf("read state"), name + ": cannot be read: Input/output error");
+  EXPECT_EQ(errorOf(""), "no error");
+}
+
+// A descriptor of 0 is as good as any.
+TEST_F(SaveOrder, IsTheSameWhereStandardInputIsClosed) {
+  const int input = ::dup(STDIN_FILENO);
+  (void)::close(STDIN_FILENO);
+  file->save(sw);
+  file->load(sw);
+  EXPECT_EQ(::fcntl(STDIN_FILENO, F_GETFD), -1);
+  file.reset();
+  file.emplace(folder / "state");
+  EXPECT_NE(::fcntl(STDIN_FILENO, F_GETFD), -1);
+  file.reset();
+  (void)::dup2(input, STDIN_FILENO);
+  (void)::close(input);
 }
 
 TEST_F(SaveOrder, FailsWithTheFolder) {

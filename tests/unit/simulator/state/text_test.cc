@@ -62,6 +62,16 @@ TEST_F(StateText, HoldsWhatDiffersAndNothingElse) {
   EXPECT_EQ(readStateText(text, "some.state", start), sw.exportState());
 }
 
+TEST_F(StateText, HasRegistersInHexadecimalAndTheRestInDecimal) {
+  ASSERT_EQ(sw.setTestOption(0, 0, 0, kTestInjectErrors, 7), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 0, 0, kTestMargin, 1), kOk);
+  const std::string text = textNow();
+  for (const std::string side : {"tx", "rx"})
+    EXPECT_NE(text.find("\"asic0.port0." + side + "0\" = [0x"), std::string::npos) << text;
+  EXPECT_NE(text.find(", 7]\n"), std::string::npos) << text;
+  EXPECT_NE(text.find(", 0, 0, 0, 1, 0]\n"), std::string::npos) << text;
+}
+
 TEST_F(StateText, ComesBackAsItWasWrittenWhateverTheValues) {
   std::vector<StateRecord> records = start.records;
   const std::vector<std::uint64_t> extremes = {0, 1, UINT16_MAX, INT64_MAX, std::uint64_t{1} << 63, UINT64_MAX};
@@ -104,6 +114,7 @@ TEST_F(StateText, OfAnotherFormatIsRefused) {
   EXPECT_EQ(errorOf(replaced(textNow(), "format = 2", "format = 3")),
             "some.state: is of format 3, and this is format 2");
   EXPECT_EQ(errorOf(replaced(textNow(), "format = 2\n", "")), "some.state:1: format: is missing");
+  EXPECT_EQ(errorOf(replaced(textNow(), "switch = ", "# ")), "some.state:1: switch: is missing");
 }
 
 TEST_F(StateText, OfAnotherDescriptionIsRefused) {

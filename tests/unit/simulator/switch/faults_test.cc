@@ -96,6 +96,26 @@ TEST(Faults, StrikeByChanceAsOftenAsTheySay) {
   EXPECT_LT(count, 1100U);
 }
 
+TEST(Faults, ThatCannotStrikeDoNotAndThoseThatAreCertainTakeNoChance) {
+  constexpr std::uint32_t kBeforeTheLowest = 4071982377;  // the number drawn next is 1
+  Faults never({{.where = ffeOf(1), .probability = 0}}, 1);
+  never.restore(never.states(), RandomNumbers(kBeforeTheLowest));
+  EXPECT_EQ(never.onCall(ffeOf(1)), nullptr);
+  EXPECT_EQ(never.random().state(), 1U);
+  Faults certain({{.where = ffeOf(1)}}, 1);
+  certain.restore(certain.states(), RandomNumbers(kBeforeTheLowest));
+  EXPECT_NE(certain.onCall(ffeOf(1)), nullptr);
+  EXPECT_EQ(certain.random().state(), kBeforeTheLowest);
+}
+
+TEST(Faults, CountNoFurtherThanTheirCountersReach) {
+  Faults faults({{.where = ffeOf(1), .ordinal = 2, .always = true}}, 1);
+  faults.restore({{.matches = UINT32_MAX, .fired = UINT32_MAX}}, faults.random());
+  EXPECT_NE(faults.onCall(ffeOf(1)), nullptr);
+  EXPECT_EQ(faults.states()[0].matches, UINT32_MAX);
+  EXPECT_EQ(faults.states()[0].fired, UINT32_MAX);
+}
+
 TEST(Faults, RepeatWithTheirSeedAndDifferWithout) {
   const std::vector<FaultDescription> descriptions = {{.where = ffeOf(1), .always = true, .probability = kCertain / 2}};
   Faults first(descriptions, 7), again(descriptions, 7), other(descriptions, 8);

@@ -54,6 +54,8 @@ TEST_F(Links, OfAPortHaveToWorkEveryOne) {
     const FfeSettings ffe = ffeAt(6, link);
     ASSERT_EQ(sw.setTxFfe(0, 6, link, {.mode = FFE_2, .k = ffe.k, .c = {0, -60, 0, 0}}), kOk);
     EXPECT_EQ(statusOf(6), kStatusNoLock) << link;
+    ASSERT_EQ(sw.setTestOption(0, 6, (link + 1) % 4, kTestInjectErrors, 1), kOk);
+    EXPECT_EQ(crcErrors(6), 0U) << link;
     ASSERT_EQ(sw.setTxFfe(0, 6, link, ffe), kOk);
     ASSERT_EQ(sw.setTestOption(0, 6, link, kTestSendPattern, 1), kOk);
     EXPECT_EQ(statusOf(6), kStatusPattern) << link;
@@ -98,6 +100,27 @@ TEST_F(Stream, IsKeptByAPortWithoutLinks) {
   EXPECT_FALSE(enabled);
   EXPECT_EQ(sw.setStream(id(9), false), kBadPort);
   EXPECT_EQ(sw.getStream(id(9), &enabled), kBadPort);
+}
+
+class UnevenCable : public SwitchTest {
+ protected:
+  UnevenCable()
+      : SwitchTest(
+            "[[asics.ports]]\nports = 2\nlinks = 2\n[[asics.ports]]\nports = 4\nmedia = \"none\"\n"
+            "[[asics.ports]]\nports = 5\nrx_links = 0\n") {}
+};
+
+TEST_F(UnevenCable, BringsNothingFromALinkThatIsNotOrWithoutAMedium) {
+  EXPECT_EQ(readRx(2, 2, 0) & 1U, 1U);
+  EXPECT_EQ(readRx(2, 2, 1) & 1U, 0U);
+  EXPECT_LT(statsOf(4).Ap, 5);
+}
+
+TEST_F(UnevenCable, TellsWhatIsMissingBeforeWhatDoesNotWork) {
+  ASSERT_EQ(sw.setTxFfe(0, 3, 0, {.mode = FFE_2, .k = 115, .c = {0, -60, 0, 0}}), kOk);
+  EXPECT_EQ(readRx(2, 2) & 0x3U, 0x1U);  // no lock on the first link, no signal on the second
+  EXPECT_EQ(statusOf(2), kStatusNoSignal);
+  EXPECT_EQ(statusOf(5), kStatusNoLinks);
 }
 
 class SilentAtStart : public SwitchTest {

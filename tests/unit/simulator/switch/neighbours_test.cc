@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "simulator/switch/incoming.h"
 #include "simulator/switch/switch.h"
 
 namespace simulator {
@@ -161,6 +162,50 @@ TEST_F(PortsBeside, AreNotHeardInLoopback) {
   SerDesRxDFEStats stats;
   ASSERT_EQ(sw.getRxDfeStats(0, kVictim, 0, &stats), kOk);
   EXPECT_EQ(sw.evaluations(), before);
+}
+
+// Four ports as a switch has them at its start.
+struct FourPorts {
+  explicit FourPorts(const std::string& more) : description(readDescription(rowOf("0-3") + more, "row.toml")) {
+    state.asics.assign(1, {.ports = std::vector<PortState>(4), .plls = std::vector<RegisterFile>(1)});
+    EXPECT_TRUE(fromRecords(description, Switch(description).exportState(), state));
+  }
+  PortView port(unsigned number) const {
+    return {{0, description.asics[0], state.asics[0]}, number};
+  }
+
+  SwitchDescription description;
+  SwitchState state;
+};
+
+TEST(Aggressors, AreTheSameLinkOfThePortBesideOrItsLastAtBothEnds) {
+  const auto around = [](unsigned link, const std::string& beside) {
+    return aggressorsOf(FourPorts(ports("0", "links = 4\n") + ports("1", beside)).port(0), link).size();
+  };
+  for (const unsigned link : {0U, 1U, 2U, 3U}) {
+    // Of port 1 and port 2, each with its own end and what comes back to it.
+    EXPECT_EQ(around(link, "links = 2\n"), 4U) << link;
+    EXPECT_EQ(around(link, "links = 4\n"), 4U) << link;
+    EXPECT_EQ(around(link, "links = 0\n"), 2U) << link;
+    EXPECT_EQ(around(link, "sends = false\n"), 2U) << link;
+  }
+}
+
+const std::string kCable = ports("0-1", "far_end = \"pair\"\n");
+
+TEST(Aggressors, AreNeitherWhatThePortHearsNorWhatHearsIt) {
+  const FourPorts cabled(kCable);
+  EXPECT_EQ(aggressorsOf(cabled.port(0), 0).size(), 2U);
+  EXPECT_EQ(aggressorsOf(cabled.port(1), 0).size(), 4U);
+  // Port 3 sends to port 2, which has no receiver beside which that could be heard.
+  const FourPorts deaf(ports("2-3", "far_end = \"pair\"\n") + ports("2", "rx_links = 0\n"));
+  EXPECT_EQ(aggressorsOf(deaf.port(0), 0).size(), 3U);
+}
+
+TEST(Neighbours, AreThoseOfBothEndsOfTheCableWithoutThese) {
+  EXPECT_EQ(neighboursOf(FourPorts(kCable).port(0)), (std::vector{2U, 3U}));
+  EXPECT_EQ(neighboursOf(FourPorts("").port(0)), (std::vector{1U, 2U}));
+  EXPECT_EQ(neighboursOf(FourPorts(ports("0", "far_end = \"nothing\"\n")).port(0)), (std::vector{1U, 2U}));
 }
 
 TEST_F(PortsBeside, AreCountedAsTheyWereUntilTheyChange) {

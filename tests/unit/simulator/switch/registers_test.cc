@@ -82,6 +82,12 @@ TEST_F(LinkRegisters, TapRegistersFollowTheAdaptation) {
   EXPECT_NE(h1, 0U);
 }
 
+TEST_F(LinkRegisters, WritingBesideTheTapsLeavesThemAdapting) {
+  for (const unsigned address : {3U, 4U, 23U})
+    ASSERT_EQ(writeRx(1, address, readRx(1, address)), kOk);
+  EXPECT_EQ(testStatus(1, kTestHoldDfe), 0);
+}
+
 TEST_F(LinkRegisters, WritingATapHoldsItAndTheOthersWhereTheyStand) {
   const SerDesRxDFEStats adapted = statsOf(1);
   ASSERT_EQ(writeRx(1, 5, 0x0305), kOk);
@@ -145,11 +151,28 @@ TEST_F(LinkRegisters, EndWhereTheTypeEnds) {
 }
 
 TEST_F(LinkRegisters, ReadingSettingsWorksOutNoLink) {
-  (void)readRx(0, 3);
+  for (const unsigned address : {1U, 3U})  // what stands between shows the link
+    (void)readRx(0, address);
   (void)readTx(0, 2);
   EXPECT_EQ(sw.evaluations(), 0U);
   (void)readRx(0, 2);
   EXPECT_EQ(sw.evaluations(), 1U);
+}
+
+class DescribedRegisters : public SwitchTest {
+ protected:
+  DescribedRegisters()
+      : SwitchTest("[[asics.ports]]\nports = 6\ntx_values = [[0x38], [0x38, 5]]\nrx_values = [[], [0x40]]\n") {}
+};
+
+TEST_F(DescribedRegisters, AreThoseOfTheirLinkAndOthersAsAfterAReset) {
+  for (const int link : {0, 1, 2}) {
+    EXPECT_EQ(readTx(6, 0, link) == 0x38U, link < 2) << link;
+    EXPECT_EQ(readTx(6, 1, link) == 5U, link == 1) << link;
+    EXPECT_EQ(readRx(6, 0, link) == 0x40U, link == 1) << link;
+  }
+  EXPECT_EQ(readTx(0, 11), serDesTraits(2).tx.resetValues()[11]);
+  EXPECT_NE(readTx(0, 11), 0U);
 }
 
 class RegisterCounts : public SwitchTest {
@@ -184,6 +207,7 @@ TEST_F(PllRegisters, APllThatIsOffLosesLockAndItsLinksGoDown) {
   EXPECT_EQ(statusOf(0), kStatusNoPll);
   EXPECT_EQ(statusOf(3), kStatusNoPll);
   EXPECT_EQ(readRx(0, 2) & 0x2U, 0U);
+  EXPECT_EQ(readTx(0, 2), 0U);
   EXPECT_EQ(statusOf(4), kPortStateRunning);  // another core
   ASSERT_EQ(sw.writePllRegister(0, 0, 1, 1), kOk);
   EXPECT_EQ(statusOf(0), kPortStateRunning);

@@ -31,6 +31,11 @@ TEST_F(Speed, AutoPicksTheHighestThatBothEndsAndTheMediaSupport) {
   EXPECT_EQ(speedOf(2), SPEED_8G);
 }
 
+TEST_F(Speed, AutoOfFourLinksFindsTheirHighestToo) {
+  ASSERT_EQ(sw.setPortSpeed(id(6), SPEED_AUTO), kOk);
+  EXPECT_EQ(speedOf(6), SPEED_20G);
+}
+
 TEST_F(Speed, AutoBringsTheCachesOfTheSpeedItFindsIntoForce) {
   ASSERT_EQ(sw.setRxRateParams(0, 2, SPEED_4G, {DFE_1, 1, 2, 33, 0}), kOk);
   ASSERT_EQ(sw.setPortSpeed(id(3), SPEED_4G), kOk);

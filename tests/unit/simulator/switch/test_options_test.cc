@@ -22,6 +22,19 @@ TEST_F(Loopback, LetsAPortHearItself) {
   EXPECT_EQ(statusOf(5), kStatusNoSignal);
 }
 
+class FourLinksInTheAir : public SwitchTest {
+ protected:
+  FourLinksInTheAir() : SwitchTest("[[asics.ports]]\nports = 6\nmedia = \"none\"\n") {}
+};
+
+TEST_F(FourLinksInTheAir, RunByThemselvesWhenEachIsLooped) {
+  for (int link = 0; link < 4; ++link) {
+    EXPECT_EQ(statusOf(6), kStatusNoMedia) << link;
+    ASSERT_EQ(sw.setTestOption(0, 6, link, kTestLoopback, 1), kOk);
+  }
+  EXPECT_EQ(statusOf(6), kPortStateRunning);
+}
+
 TEST_F(Loopback, ReportsALoopThatCarriesNothing) {
   ASSERT_EQ(sw.setTestOption(0, 5, 0, kTestLoopback, 1), kOk);
   ASSERT_EQ(sw.setStream(id(5), false), kOk);
@@ -189,6 +202,7 @@ TEST_F(HoldDfe, AdaptingAnewLeavesAFreeOneFree) {
 TEST_F(HoldDfe, IsForSerDesThatHaveADfe) {
   EXPECT_EQ(sw.setTestOption(0, 7, 0, kTestHoldDfe, 0), kNotSupported);
   EXPECT_EQ(sw.setTestOption(0, 7, 0, kTestReadapt, 0), kNotSupported);
+  EXPECT_EQ(sw.setTestOption(0, 8, kAllLinks, kTestHoldDfe, 0), kOk);  // of no links
   int status = 0;
   EXPECT_EQ(sw.getTestStatus(0, 7, 0, kTestHoldDfe, &status), kNotSupported);
   EXPECT_EQ(sw.setTestOption(0, 6, -1, kTestHoldDfe, 0), kOk);
@@ -211,6 +225,10 @@ class Scan : public SwitchTest {
 TEST_F(Scan, InTheMiddleIsTheLinksOwnErrorRate) {
   for (const unsigned port : {0U, 1U, 2U, 4U, 6U, 7U})
     EXPECT_NEAR(at(port, 0, 0) / 10.0, margin(port, kMarginErrorRate) - 0.5, 0.55) << port;
+  for (int k = 60; k <= 120; k += 4) {
+    ASSERT_EQ(sw.setTxFfe(0, 1, 0, {.mode = FFE_3, .k = k, .c = {-2, 58, -10, 0}}), kOk);
+    EXPECT_NEAR(at(1, 0, 0) / 10.0, margin(1, kMarginErrorRate) - 0.5, 0.55) << k;
+  }
 }
 
 TEST_F(Scan, OnlyClosesOutwards) {
@@ -281,8 +299,8 @@ TEST_F(Margin, ShowsTheEyeOrTheDecadesOfTheErrorRate) {
 }
 
 TEST_F(InjectErrors, ArriveAtTheFarEnd) {
-  ASSERT_EQ(sw.setTestOption(0, 3, 0, kTestInjectErrors, 5), kOk);
   ASSERT_EQ(sw.setTestOption(0, 3, 0, kTestInjectErrors, 2), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 3, 0, kTestInjectErrors, 5), kOk);
   EXPECT_EQ(testStatus(3, kTestInjectErrors), 7);
   EXPECT_EQ(readTx(3, 10), 7U);
   EXPECT_EQ(decodeErrors(2), 7U);
@@ -322,7 +340,17 @@ TEST_F(InjectErrors, GoNowhereFromASilentTransmitterOrIntoALoopedFarEnd) {
   ASSERT_EQ(sw.setStream(id(0), false), kOk);
   ASSERT_EQ(sw.setTestOption(0, 0, 0, kTestInjectErrors, 5), kOk);
   ASSERT_EQ(sw.setStream(id(0), true), kOk);
+  ASSERT_EQ(sw.setTestOption(0, 4, 0, kTestInjectErrors, 5), kOk);  // to a partner
   EXPECT_EQ(decodeErrors(0), 0U);
+}
+
+TEST_F(InjectErrors, AreNotInFramesWhereTheMediumDoesNotTakeTheSpeed) {
+  for (const unsigned port : {2U, 3U})
+    ASSERT_EQ(sw.setPortSpeed(id(port), SPEED_10G), kOk);
+  ASSERT_EQ(statusOf(3), kStatusNoSpeed);
+  ASSERT_EQ(readRx(3, 2) & 0x3U, 0x3U);
+  ASSERT_EQ(sw.setTestOption(0, 2, 0, kTestInjectErrors, 5), kOk);
+  EXPECT_EQ(decodeErrors(3), 0U);
 }
 
 TEST_F(InjectErrors, OnAllLinksAreCountedOnEach) {
@@ -334,6 +362,15 @@ TEST_F(Temperature, IsThatOfTheCoreOfEitherSide) {
   EXPECT_EQ(testStatus(7, kTestTemperature), 45);
   ASSERT_EQ(sw.setTestOption(0, 7, 0, kTestTemperature, 1), kOk);
   EXPECT_EQ(testStatus(7, kTestTemperature), 47);
+}
+
+// One tap for both decision paths is right for both only if these have the same gain.
+TEST_F(HoldDfe, ChangesNothingWhereATapServesBothPaths) {
+  ASSERT_EQ(sw.setTxFfe(0, 6, 0, {.mode = FFE_NONE, .k = 115, .c = {0, 63, 0, 0}}), kOk);
+  const SerDesRxDFEStats adapted = statsOf(6);
+  ASSERT_EQ(sw.setTestOption(0, 6, 0, kTestHoldDfe, 1), kOk);
+  ASSERT_LT(adapted.h[0], -10);
+  EXPECT_NEAR(statsOf(6).Amin, adapted.Amin, 1);
 }
 
 class FourLinksOnTwoCores : public SwitchTest {
