@@ -462,6 +462,7 @@ TEST_F(TestOptions, AreForLinksThatExist) {
   EXPECT_EQ(sw.setTestOption(0, 0, 1, kTestLoopback, 0), kBadLink);
   EXPECT_EQ(sw.getTestStatus(0, 0, -1, kTestLoopback, &status), kBadLink);
   EXPECT_EQ(sw.getTestStatus(0, 9, 0, kTestLoopback, &status), kBadPort);
+  EXPECT_EQ(sw.getTestStatus(1, 0, 0, 100, &status), kBadAsic) << "the ASIC is looked for first";
 }
 
 class PartnerPattern : public SwitchTest {
