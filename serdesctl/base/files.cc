@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <system_error>
 
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/waiting.h"
@@ -133,11 +134,13 @@ void writeFileWhole(const std::string& name, std::string_view text) {
 void requireWritable(const std::string& name) {
   if (name.empty()) return;
   try {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(name, ignored)) failToWrite(name, EISDIR);
     const Destination destination(name);
     if (destination.isPlain) {
       const Replacement unused(destination.file, destination.mode);
-    } else if (std::filesystem::is_directory(name) || ::access(name.c_str(), W_OK) != 0) {  // opened, a pipe would end
-      failToWrite(name, std::filesystem::is_directory(name) ? EISDIR : errno);
+    } else if (::access(name.c_str(), W_OK) != 0) {  // opened and closed again, a pipe would end
+      failToWrite(name, errno);
     }
   } catch (const WriteError& error) {
     throw UsageError(error.what());
