@@ -68,7 +68,7 @@ CmdStatus openSerdes(int, char*[]) {
   std::printf("switchHwConfig.NumASICs:%d\n", static_cast<int>(config.NumASICs));
   char command[] = "";
   char firstAsic[] = "0";
-  std::array<char*, 2> words = {command, firstAsic};
+  std::array words = {command, firstAsic};
   return setAsicNumCmdHandler(1, words.data());
 }
 
