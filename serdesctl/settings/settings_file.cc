@@ -13,6 +13,7 @@
 #include "arguments/keywords.h"
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/files.h"
+#include "serdesctl/base/text.h"
 #include "serdesctl/base/tool_facts.h"
 #include "topology/serdes_topology.h"
 
@@ -318,6 +319,7 @@ class EntryReader {
 };
 
 toml::table parseToml(const std::string& text, const std::string& name) {
+  if (isJson(text)) throw UsageError(name + ": JSON, as saves and plans are; settings are TOML");
   try {
     return toml::parse(text, name);
   } catch (const toml::parse_error& error) {

@@ -8,6 +8,7 @@
 #include "serdesctl/asking/asked_switch.h"
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/files.h"
+#include "serdesctl/base/text.h"
 #include "serdesctl/base/tool_facts.h"
 #include "serdesctl/plan/places.h"
 #include "serdesctl/plan/plan_json.h"
@@ -73,11 +74,6 @@ void refuseOutdated(const std::string& file, const KeptPlan& kept, const Plan& p
   std::string what = "\n" + differencesText(changed);
   if (changed.empty()) what = "; it would do otherwise now:\n" + differencesText(without(changesOf(plan.steps), then));
   throw UsageError(file + ": the switch has changed since the plan was made" + what + "make a new plan");
-}
-
-bool isJson(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(" \t\r\n");
-  return first != std::string::npos && text[first] == '{';
 }
 
 Wish planned(Wish wish, const SwitchState& now) {

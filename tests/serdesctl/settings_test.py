@@ -50,6 +50,12 @@ class Settings(SaveTest):
         )
         self.assertEqual(self.ctl("settings", self.folder).status, 2)
 
+    def test_a_save_is_no_settings_file(self) -> None:
+        file = self.save("bench")
+        done = self.ctl("settings", file)
+        self.assertEqual((done.status, done.out), (2, ""))
+        self.assertEqual(done.err, f"serdesctl: {file}: JSON, as saves and plans are; settings are TOML\n")
+
     def test_a_switch_as_settings(self) -> None:
         for switch in SWITCHES:
             self.state.unlink(missing_ok=True)
