@@ -92,6 +92,7 @@ TEST(Description, SaysWithTheLeastWhatTheRestIs) {
   EXPECT_EQ(port.media, MEDIA_OPTICAL);
   EXPECT_EQ(port.speed, SPEED_AUTO);
   EXPECT_TRUE(port.sends);
+  EXPECT_EQ(port.loadPercent, 100U);
   EXPECT_EQ(port.farEnd, FarEnd::kNothing);
   EXPECT_FALSE(port.live.has_value());
   EXPECT_EQ(description.clock, ClockDescription{});
@@ -344,15 +345,26 @@ operation = "ClrFrameStatCntrs"
   EXPECT_FALSE(description.faults[3].always);
 }
 
+std::vector<std::int32_t> numbersOf(const Settings& settings) {
+  const SerDesTxRateParams& tx = settings.tx;
+  const SerDesRxRateParams& rx = settings.rx;
+  return {tx.power, tx.slew, tx.mode, tx.p0, tx.p1, tx.p2, tx.p3, rx.mode, rx.p0, rx.p1, rx.p2, rx.p3};
+}
+
 TEST(Description, NumbersAreThoseOfTheRecordsInTheirOrderForPortsOfAnyKind) {
   const std::string settings = "[settings.n]\ntx = [1, 2, 3, 4, 5, 6, 7]\nrx = [8, 9, 10, 11, 12]\n";
   for (const std::string& port : {kOnePort, ethernetPort()}) {
     const Settings cache = read(settings + port + "cache = \"n\"\n").asics[0].ports[0].caches[SPEED_10G];
-    const SerDesTxRateParams& tx = cache.tx;
-    const SerDesRxRateParams& rx = cache.rx;
-    EXPECT_EQ(
-        (std::vector{tx.power, tx.slew, tx.mode, tx.p0, tx.p1, tx.p2, tx.p3, rx.mode, rx.p0, rx.p1, rx.p2, rx.p3}),
-        (std::vector{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
+    EXPECT_EQ(numbersOf(cache), (std::vector{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
+  }
+}
+
+TEST(Description, CachesHoldWhatAResetLeavesWhenNothingElseIsSaid) {
+  const std::vector<std::int32_t> plain = {115, SLEW_36PS, FFE_NONE, 0, 63, 0, 0, DFE_3, 6, 4, 0x4e, 0};
+  const std::vector<std::int32_t> ethernet = {7, SLEW_UNKNOWN, FFE_NONE, 0, 0, 0, 0, 0, 2, 0, 0, 0};
+  for (const std::uint32_t speed : {SPEED_1G, SPEED_10G}) {
+    EXPECT_EQ(numbersOf(read(kOnePort).asics[0].ports[0].caches[speed]), plain);
+    EXPECT_EQ(numbersOf(read(ethernetPort()).asics[0].ports[0].caches[speed]), ethernet);
   }
 }
 
