@@ -186,11 +186,12 @@ void addChangeOptions(CLI::App& app, ChangeOptions& change) {
 }
 
 void addApplyOptions(CLI::App& app, Options& options) {
-  app.add_option("FILE", options.change.file, "A settings file, or a plan that was kept")
+  app.add_option("FILE", options.change.file, "A settings file, a save, or a plan that was kept")
       ->required()
-      ->type_name("SETTINGS|PLAN");
+      ->type_name("SETTINGS|SAVE|PLAN");
   app.add_flag("--through-cache", options.change.throughCache, kThroughCacheHelp);
-  app.add_flag("--rehearse", options.change.rehearse, "Try it on a twin first; send nothing if a port gets worse");
+  app.add_flag("--rehearse", options.change.rehearse,
+               "Try it on a twin first; send nothing if that refuses some, or a port gets worse");
   addChangeOptions(app, options.change);
 }
 
@@ -335,6 +336,14 @@ constexpr const char* kFooter =
     "  5    locked: somebody else works on the switch\n"
     "  130  interrupted";
 
+// What an unset variable of a shell leaves would mean the same as leaving the option out.
+void refuseEmptyValues(CLI::App& app) {
+  const auto judge = [](const std::string& word) { return std::string(word.empty() ? "its value is empty" : ""); };
+  for (CLI::Option* option : app.get_options()) {
+    if (option->get_items_expected_max() > 0) option->check(judge);
+  }
+}
+
 // The program with these subcommands, filled by parsing into `options`, which must outlive it.
 std::unique_ptr<CLI::App> buildApp(std::span<const Subcommand> rows, Options& options) {
   auto app = std::make_unique<CLI::App>(kDescription, "serdesctl");
@@ -350,7 +359,9 @@ std::unique_ptr<CLI::App> buildApp(std::span<const Subcommand> rows, Options& op
     CLI::App& subcommand = *app->add_subcommand(row.name, row.description);
     subcommand.footer("Options for all subcommands: serdesctl --help");
     row.addOptions(subcommand, options);
+    refuseEmptyValues(subcommand);
   }
+  refuseEmptyValues(*app);
   return app;
 }
 

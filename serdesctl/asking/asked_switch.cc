@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "commands/dfe_stats.h"
+#include "serdesctl/base/number_list.h"
 #include "serdesctl/tables/config_text.h"
 #include "serdesctl/tables/parse.h"
 #include "topology/serdes_topology.h"
@@ -25,6 +26,13 @@ bool shareNames(const std::vector<ConfigType>& types) {
   for (const ConfigType& type : types)
     names.insert(type.name);
   return names.size() != types.size();
+}
+
+constexpr const char* kAllPorts = "all";
+constexpr std::uint32_t kMostNumber = 999;  // that a list is read up to, to name what is no port
+
+UsageError noPortList(const std::string& list) {
+  return UsageError("'" + list + "' is no port list: all, gl, xg, exg, or 0-3 8");
 }
 
 }  // namespace
@@ -119,19 +127,27 @@ std::string listOf(std::uint32_t ports) {
   return list;
 }
 
+// The tool takes what nobody means: ranges that run backwards, numbers that are no port's.
 std::uint32_t portsOfList(const std::string& list, const ConfigText& config) {
   std::string words = list;
   std::replace(words.begin(), words.end(), ',', ' ');
-  const auto ports = namedPorts(splitWords("showRate " + words), &config);
-  if (!ports || words.find_first_not_of(' ') == std::string::npos) {
-    throw UsageError("'" + list + "' is no port list: all, gl, xg, exg, or 0-3 8");
+  const std::string ofThisAsic = " of ASIC " + std::to_string(config.asic);
+  if (list.find_first_of("0123456789") == std::string::npos) {
+    const auto ports = namedPorts(splitWords("showRate " + words), &config);
+    if (!ports || words.find_first_not_of(' ') == std::string::npos) throw noPortList(list);
+    if (*ports == 0 && list != kAllPorts) throw UsageError("no ports '" + list + "'" + ofThisAsic);
+    return *ports;
   }
-  const auto count = static_cast<std::uint32_t>(config.ports.size());
-  const std::uint32_t missing = *ports & ~((std::uint32_t{1} << count) - 1);
-  if (missing != 0) {
-    throw UsageError("no port " + std::to_string(lowestPort(missing)) + " of ASIC " + std::to_string(config.asic));
+  std::uint32_t ports = 0;
+  for (const std::string& word : splitWords(words)) {
+    const auto numbers = numbersOf(word, kMostNumber);
+    if (!numbers) throw noPortList(list);
+    const auto missing = numbers->lower_bound(static_cast<std::uint32_t>(config.ports.size()));
+    if (missing != numbers->end()) throw UsageError("no port " + std::to_string(*missing) + ofThisAsic);
+    for (const std::uint32_t port : *numbers)
+      ports |= std::uint32_t{1} << port;
   }
-  return *ports;
+  return ports;
 }
 
 }  // namespace serdesctl

@@ -20,6 +20,11 @@ constexpr std::size_t kMostWaiting = 65536;
 
 }  // namespace
 
+bool showsColour(int descriptor) {
+  const auto terminal = environmentVariable("TERM");
+  return ::isatty(descriptor) != 0 && terminal && *terminal != "dumb" && !environmentVariable("NO_COLOR");
+}
+
 void Output::write(std::string_view text) {
   waiting_ += text;
   if (waiting_.size() >= kMostWaiting) flush();

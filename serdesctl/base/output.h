@@ -21,6 +21,9 @@ class Output {
   std::string waiting_;
 };
 
+// Whether colours mean something there: to a terminal that has some, unless NO_COLOR is set.
+bool showsColour(int descriptor);
+
 // On standard error, "serdesctl: " before each line of it. Nobody can be told when that fails.
 void complain(const std::string& what);
 

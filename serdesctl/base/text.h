@@ -1,7 +1,9 @@
 // Questions about characters and texts.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace serdesctl {
@@ -10,6 +12,12 @@ namespace serdesctl {
 inline bool isControlCharacter(char c) {
   const auto code = static_cast<unsigned char>(c);
   return code < 0x20 || code == 0x7f;
+}
+
+// Text that somebody else wrote, made fit for a line.
+inline std::string printable(std::string text) {
+  std::replace_if(text.begin(), text.end(), isControlCharacter, '?');
+  return text;
 }
 
 // Saves and plans are JSON objects, which no TOML begins like.

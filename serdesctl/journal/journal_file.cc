@@ -146,14 +146,14 @@ void JournalFile::fail(const std::string& what) const {
   throw WriteError("journal " + name_ + " " + what + ": " + errorText());
 }
 
-std::vector<std::string> readJournal(const std::string& folder, const Notice& notice) {
+std::vector<std::string> readJournal(const std::string& folder, const Notice& notice, const Notice& unreadable) {
   std::vector<std::string> lines;
   const std::string name = folder + kFileName;
   for (unsigned number = JournalBounds().oldFiles + 1; number-- > 0;) {
     const std::string fileName = numbered(name, number);
     const Fd file(::open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file.isOpen()) {
-      if (errno != ENOENT) notice(fileName + ": " + errorText());
+      if (errno != ENOENT) unreadable(fileName + ": " + errorText());
       continue;
     }
     (void)lockInTime(file, LOCK_SH, JournalBounds().othersMayTake);

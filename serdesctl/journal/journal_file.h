@@ -46,8 +46,9 @@ class JournalFile {
   Fd file_;
 };
 
-// The lines of a folder's journal, oldest first. A torn last one is left out, with a notice; no journal is no line.
-std::vector<std::string> readJournal(const std::string& folder, const Notice& notice);
+// The lines of a folder's journal, oldest first. A torn last one is left out, with a notice; no journal is no line. A
+// file that cannot be read is told to `unreadable`.
+std::vector<std::string> readJournal(const std::string& folder, const Notice& notice, const Notice& unreadable);
 
 // Where this process writes its journal; made if need be. Empty when there is no place.
 std::string journalFolder();

@@ -6,10 +6,12 @@
 #include <functional>
 #include <initializer_list>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "display/name_tables.h"
 #include "serdesctl/plan/predicting.h"
+#include "serdesctl/plan/serdes_limits.h"
 #include "serdesctl/state/saying.h"
 
 namespace serdesctl {
@@ -136,6 +138,7 @@ SettingPlace placeOf(const AsicState& asic, std::uint32_t port) {
   return place;
 }
 
+constexpr std::string_view kThroughCacheHint = "; --through-cache sets it by the cache of the running rate";
 constexpr const char* kLinksDiffer = "the tool sets all links of a port alike";
 constexpr const char* kEthernetLive = "live settings of ethernet ports follow from their caches alone";
 
@@ -144,6 +147,7 @@ class PortPlanner {
   PortPlanner(const AsicState& asic, const PortState& current, const PortState& wanted, const PlanChoice& choice)
       : place_(placeOf(asic, current.port)),
         ethernet_(ethernetSides(asic, current.port)),
+        traits_(traitsOf(asic, current.port)),
         wanted_(wanted),
         throughCache_(choice.throughCache),
         model_(current) {}
@@ -301,8 +305,7 @@ class PortPlanner {
   }
 
   std::string orThroughCache(const std::string& nearest) const {
-    if (throughCache_) return nearest + "; no cache of a running rate gives it";
-    return nearest + "; --through-cache sets it by the cache of the running rate";
+    return nearest + (throughCache_ ? "; no cache of a running rate gives it" : std::string(kThroughCacheHint));
   }
 
   // Says so where links are wanted that there are not.
@@ -319,7 +322,7 @@ class PortPlanner {
     const LiveTx then = goal.then.front();
     if (ethernet_.tx) return refuse("transmit", text(then), kEthernetLive, orThroughCache("they stay as they are"));
     const bool ffe = goal.differs<FfeValues>() && canSetFfe(goal);
-    const bool slew = goal.differs<LiveSlew>() && canSet<LiveSlew>("slew", goal);
+    const bool slew = goal.differs<LiveSlew>() && canSet<LiveSlew>("slew", goal, traits_.tx);
     if (!ffe && !slew) return;
     const std::string command = ffe && slew ? "setTxParams" : ffe ? "setFFE" : "setSlew";
     add(Phase::kLive,
@@ -334,7 +337,7 @@ class PortPlanner {
 
   bool canSetFfe(const Goal<LiveTx>& goal) {
     const FfeValues& then = goal.then.front();
-    if (!canSet<FfeValues>("ffe", goal)) return false;
+    if (!canSet<FfeValues>("ffe", goal, traits_.tx)) return false;
     if (then.ffeMode != kNoFfe) return true;
     refuse("ffe", text(then), "the tool has no keyword for FFENone", orThroughCache("FFE2 with c2 = 0 sends the same"));
     return false;
@@ -342,7 +345,7 @@ class PortPlanner {
 
   // Whether one command can set what is wanted; says so where it cannot.
   template <typename Part, typename Link>
-  bool canSet(const char* what, const Goal<Link>& goal) {
+  bool canSet(const char* what, const Goal<Link>& goal, const simulator::SerDesTraits* traits) {
     const Part& then = goal.then.front();
     const bool known = std::all_of(goal.now.begin(), goal.now.end(), [](const Part& link) { return isKnown(link); });
     const std::string reason = known ? unfit(then) : kUnknown;
@@ -350,6 +353,8 @@ class PortPlanner {
       refuse(what, "links that differ", kLinksDiffer, "all as link 0: " + text(then));
     } else if (!reason.empty()) {
       refuse(what, text(then), reason, "it stays as it is");
+    } else if (const auto refusal = traits == nullptr ? std::nullopt : refusalOf(*traits, then)) {
+      refuse(what, text(then), refusal->reason, refusal->nearest ? text(*refusal->nearest) : "it stays as it is");
     } else {
       return true;
     }
@@ -362,8 +367,8 @@ class PortPlanner {
     if (!goal.differs()) return;
     const LiveRx then = goal.then.front();
     if (ethernet_.rx) return refuse("receive", text(then), kEthernetLive, orThroughCache("they stay as they are"));
-    const bool dfe = goal.differs<DfeModeValue>() && canSet<DfeModeValue>("dfe", goal);
-    const bool vga = goal.differs<VgaValues>() && canSet<VgaValues>("vga", goal);
+    const bool dfe = goal.differs<DfeModeValue>() && canSet<DfeModeValue>("dfe", goal, traits_.rx);
+    const bool vga = goal.differs<VgaValues>() && canSet<VgaValues>("vga", goal, traits_.rx);
     if (!dfe && !vga) return;
     const std::string command = dfe && vga ? "setRxParams" : dfe ? "setDFE" : "setVGA";
     add(Phase::kLive,
@@ -389,6 +394,7 @@ class PortPlanner {
 
   SettingPlace place_;
   EthernetSides ethernet_;
+  SideTraits traits_;
   PortState wanted_;
   bool throughCache_;
   PortState model_;
@@ -399,8 +405,18 @@ class PortPlanner {
 
 }  // namespace
 
+// The hint stands only where following it helps.
 PortPlan planPort(const AsicState& asic, const PortState& current, const PortState& wanted, const PlanChoice& choice) {
-  return PortPlanner(asic, current, wanted, choice).plan();
+  PortPlan plan = PortPlanner(asic, current, wanted, choice).plan();
+  const auto isHinted = [](const Impossible& one) { return one.nearest.ends_with(kThroughCacheHint); };
+  if (std::none_of(plan.impossible.begin(), plan.impossible.end(), isHinted)) return plan;
+  const PortPlan detour = PortPlanner(asic, current, wanted, {.throughCache = true}).plan();
+  for (Impossible& one : plan.impossible) {
+    const bool remains = std::any_of(detour.impossible.begin(), detour.impossible.end(),
+                                     [&](const Impossible& left) { return left.what == one.what; });
+    if (isHinted(one) && remains) one.nearest.resize(one.nearest.size() - kThroughCacheHint.size());
+  }
+  return plan;
 }
 
 }  // namespace serdesctl

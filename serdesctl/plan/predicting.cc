@@ -5,13 +5,11 @@
 #include <array>
 #include <span>
 
-#include "display/name_tables.h"
+#include "serdesctl/plan/serdes_limits.h"
 #include "serdesctl/state/saying.h"
 
 namespace serdesctl {
 namespace {
-
-constexpr std::array<std::uint32_t, 2> kEthernetTypes = {4, 6};
 
 // Ethernet links show a step of power as 17 of k, and pre-emphasis as what goes from the main cursor to the next.
 constexpr std::int32_t kStepOfK = 17;
@@ -32,11 +30,6 @@ bool isByte(std::int32_t value) {
 std::optional<std::string> nameOf(std::span<const ValueName> names, std::int32_t value) {
   const auto index = static_cast<std::uint32_t>(value);
   return index < names.size() ? std::optional<std::string>(names[index].name) : std::nullopt;
-}
-
-std::optional<std::int32_t> valueOf(std::span<const ValueName> names, const std::optional<std::string>& name) {
-  const auto found = std::find_if(names.begin(), names.end(), [&](const ValueName& n) { return name == n.name; });
-  return found == names.end() ? std::nullopt : std::optional(static_cast<std::int32_t>(found - names.begin()));
 }
 
 // The number of a slew rate; nothing for one that has no number: it stays.
@@ -98,16 +91,9 @@ bool gives(const TxRawValues& cache, const LiveTx& live, bool ethernet) {
 }  // namespace
 
 EthernetSides ethernetSides(const AsicState& asic, std::uint32_t port) {
-  const auto isEthernet = [&](std::uint32_t core) {
-    for (const FoundCore& found : asic.cores) {
-      if (found.core == core) return std::count(kEthernetTypes.begin(), kEthernetTypes.end(), found.serDesType) != 0;
-    }
-    return (asic.config.exgPorts >> port & 1) != 0;
-  };
-  for (const ConfigPort& config : asic.config.ports) {
-    if (config.port == port) return {.tx = isEthernet(config.tx.core), .rx = isEthernet(config.rx.core)};
-  }
-  return {};
+  const auto [tx, rx] = traitsOf(asic, port);
+  const bool otherwise = (asic.config.exgPorts >> port & 1) != 0;
+  return {.tx = tx == nullptr ? otherwise : tx->isEthernet, .rx = rx == nullptr ? otherwise : rx->isEthernet};
 }
 
 bool isRate(const std::string& name) {
@@ -130,6 +116,11 @@ void putIntoForce(PortState& port, const std::string& rate, EthernetSides ethern
   if (const auto cache = port.rxCaches.find(rate); cache != port.rxCaches.end()) {
     applyToAll(cache->second, port.rx, ethernet.rx);
   }
+}
+
+std::optional<std::int32_t> valueOf(std::span<const ValueName> names, const std::optional<std::string>& name) {
+  const auto found = std::find_if(names.begin(), names.end(), [&](const ValueName& n) { return name == n.name; });
+  return found == names.end() ? std::nullopt : std::optional(static_cast<std::int32_t>(found - names.begin()));
 }
 
 std::optional<TxRawValues> cacheFor(const LiveTx& live, const TxRawValues& otherwise, bool ethernet) {

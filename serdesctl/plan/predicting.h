@@ -4,8 +4,10 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 
+#include "display/name_tables.h"
 #include "serdesctl/state/switch_state.h"
 
 namespace serdesctl {
@@ -27,6 +29,9 @@ std::string rateInForce(const PortState& port, const std::string& configRate, co
 
 // A rate's caches become the live settings of all links. Numbers that no SerDes takes leave them as they are.
 void putIntoForce(PortState& port, const std::string& rate, EthernetSides ethernet);
+
+// The number of a name; nothing for another one.
+std::optional<std::int32_t> valueOf(std::span<const ValueName> names, const std::optional<std::string>& name);
 
 // The cache that gives these live settings when it is put into force, the rest as it is; nothing where none does.
 std::optional<TxRawValues> cacheFor(const LiveTx& live, const TxRawValues& otherwise, bool ethernet);

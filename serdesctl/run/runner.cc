@@ -61,7 +61,9 @@ class Run {
       result.status = pass(step.words, result.output);
     } catch (const std::exception& error) {
       if (step.changes) settle(step, error.what());
-      throw;
+      const auto* const known = dynamic_cast<const Error*>(&error);
+      if (known == nullptr || (known->exitStatus() != kNoSwitch && known->exitStatus() != kNoAnswer)) throw;
+      throw Error(known->exitStatus(), step.place() + ": " + error.what());
     }
     result.elapsed = Clock::now() - start;
     result.asExpected = result.status == step.expected;

@@ -234,9 +234,8 @@ std::string selector(std::uint32_t asic, std::uint32_t ports) {
   return (asic == 0 ? "" : "asic = " + std::to_string(asic) + "\n") + "ports = " + quoted(portList(ports)) + "\n";
 }
 
-std::string comment(std::string text) {
-  std::replace_if(text.begin(), text.end(), isControlCharacter, '?');
-  return "# " + text + "\n";
+std::string comment(const std::string& text) {
+  return "# " + printable(text) + "\n";
 }
 
 std::string asicText(const AsicState& asic) {

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <limits>
 #include <span>
 #include <string_view>
@@ -13,6 +12,7 @@
 #include "arguments/keywords.h"
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/files.h"
+#include "serdesctl/base/number_list.h"
 #include "serdesctl/base/text.h"
 #include "serdesctl/base/tool_facts.h"
 #include "topology/serdes_topology.h"
@@ -53,31 +53,6 @@ std::optional<std::string> findName(const std::vector<std::string>& names, const
   const auto same = [&](const std::string& name) { return sameWord(name.c_str(), word.c_str()); };
   const auto found = std::find_if(names.begin(), names.end(), same);
   return found == names.end() ? std::nullopt : std::optional(*found);
-}
-
-// "1-5,7" up to `most`; nothing for another text.
-std::optional<std::set<std::uint32_t>> numbersOf(std::string_view text, std::uint32_t most) {
-  std::set<std::uint32_t> numbers;
-  const char* at = text.data();
-  const char* const end = at + text.size();
-  const auto number = [&](std::uint32_t& value) {
-    const auto [next, error] = std::from_chars(at, end, value);
-    at = next;
-    return error == std::errc() && value <= most;
-  };
-  while (true) {
-    std::uint32_t first = 0, last = 0;
-    if (!number(first)) return std::nullopt;
-    last = first;
-    if (at != end && *at == '-' && (++at, !number(last))) return std::nullopt;
-    if (last < first) return std::nullopt;
-    for (std::uint32_t n = first; n <= last; ++n)
-      numbers.insert(n);
-    if (at == end) return numbers;
-    if (*at++ != ',') return std::nullopt;
-    while (at != end && *at == ' ')
-      ++at;
-  }
 }
 
 // What stands there, for a message.

@@ -248,6 +248,12 @@ void compareHardware(const SwitchText& before, const SwitchText& after, Comparis
   compareFields({}, fields(before), fields(after), result.hardware);
 }
 
+std::vector<Unread> without(std::vector<Unread> unread, const std::vector<Unread>& others) {
+  std::erase_if(unread,
+                [&](const Unread& one) { return std::find(others.begin(), others.end(), one) != others.end(); });
+  return unread;
+}
+
 }  // namespace
 
 std::string textOf(const SettingValue& value) {
@@ -268,6 +274,10 @@ std::string textOf(const SettingPlace& place) {
   return text;
 }
 
+std::string textOf(const Unread& unread) {
+  return textOf(SettingPlace{.asic = unread.asic, .port = unread.port}) + " " + unread.what + ": " + unread.why;
+}
+
 Comparison compare(const SwitchState& before, const SwitchState& after) {
   Comparison result;
   compareHardware(before.hardware, after.hardware, result);
@@ -281,6 +291,8 @@ Comparison compare(const SwitchState& before, const SwitchState& after) {
   for (const AsicState& old : before.asics) {
     if (asicIn(after, old.asic) == nullptr) result.notInSecond.push_back(placeIn(old));
   }
+  result.unreadInFirst = without(before.unread, after.unread);
+  result.unreadInSecond = without(after.unread, before.unread);
   return result;
 }
 

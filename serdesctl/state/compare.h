@@ -32,6 +32,9 @@ struct SettingPlace {
 // "ASIC 0 port 4 (user 12) tx link 0", "... 8G tx cache"
 std::string textOf(const SettingPlace& place);
 
+// "ASIC 0 port 4 slew: why"
+std::string textOf(const Unread& unread);
+
 struct Difference {
   SettingPlace place;
   std::string parameter;  // in the records' terms: "c0", "config_rate"
@@ -48,6 +51,8 @@ struct Comparison {
   std::vector<Difference> observations;
   std::vector<SettingPlace> notInFirst;  // ASICs and ports of which the second state alone knows, and the first
   std::vector<SettingPlace> notInSecond;
+  std::vector<Unread> unreadInFirst;  // what could be read for the second state alone, and for the first
+  std::vector<Unread> unreadInSecond;
 };
 
 // In order of ASIC and port. What `after` does not tell is no difference: in a wanted state nothing means as it is.

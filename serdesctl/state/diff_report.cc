@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "serdesctl/formats/json_object.h"
+#include "serdesctl/state/state_json.h"
 
 namespace serdesctl {
 namespace {
@@ -24,6 +25,13 @@ std::string onlyIn(const std::string& name, const std::vector<SettingPlace>& pla
   std::string text;
   for (const SettingPlace& place : places)
     text += "only in " + name + ": " + textOf(place) + "\n";
+  return text;
+}
+
+std::string unreadIn(const std::string& name, const std::vector<Unread>& unread) {
+  std::string text;
+  for (const Unread& one : unread)
+    text += "not read in " + name + ": " + textOf(one) + "\n";
   return text;
 }
 
@@ -73,6 +81,7 @@ std::string textDiff(const Comparison& comparison, const ComparedNames& names, b
     }
   }
   text += onlyIn(names.before, comparison.notInSecond) + onlyIn(names.after, comparison.notInFirst);
+  text += unreadIn(names.before, comparison.unreadInFirst) + unreadIn(names.after, comparison.unreadInSecond);
   return text.empty() ? "" : "--- " + names.before + "\n+++ " + names.after + "\n" + text;
 }
 
@@ -95,6 +104,8 @@ std::string jsonDiff(const Comparison& comparison, const ComparedNames& names) {
   Json report = {{"schema", 1}, {"kind", "diff"}, {"before", names.before}, {"after", names.after}};
   report["only_before"] = placesJson(comparison.notInSecond);
   report["only_after"] = placesJson(comparison.notInFirst);
+  report["unread_before"] = unreadJson(comparison.unreadInFirst);
+  report["unread_after"] = unreadJson(comparison.unreadInSecond);
   report["records"] = differenceRecords(comparison);
   return jsonLine(report);
 }
@@ -103,7 +114,8 @@ bool isSame(const Comparison& comparison) {
   for (const auto& [kind, differences] : listsOf(comparison)) {
     if (!differences->empty()) return false;
   }
-  return comparison.notInFirst.empty() && comparison.notInSecond.empty();
+  return comparison.notInFirst.empty() && comparison.notInSecond.empty() && comparison.unreadInFirst.empty() &&
+         comparison.unreadInSecond.empty();
 }
 
 }  // namespace serdesctl

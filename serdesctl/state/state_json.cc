@@ -157,13 +157,6 @@ Json asicJson(const AsicState& asic) {
           {"registers", asic.registers ? registersJson(*asic.registers) : Json()}};
 }
 
-Json unreadJson(const std::vector<Unread>& unread) {
-  Json result = Json::array();
-  for (const Unread& one : unread)
-    result.push_back({{"asic", one.asic}, {"port", json(one.port)}, {"what", one.what}, {"why", one.why}});
-  return result;
-}
-
 // Reading.
 
 struct Bounds {
@@ -492,6 +485,13 @@ void checkKind(const JsonPlace& place) {
 }
 
 }  // namespace
+
+Json unreadJson(const std::vector<Unread>& unread) {
+  Json result = Json::array();
+  for (const Unread& one : unread)
+    result.push_back({{"asic", one.asic}, {"port", json(one.port)}, {"what", one.what}, {"why", one.why}});
+  return result;
+}
 
 std::string saveText(const Save& save) {
   Json asics = Json::array();

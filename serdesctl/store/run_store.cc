@@ -189,6 +189,10 @@ std::vector<PlannedStep> FoundRun::steps() const {
   return readSteps(JsonPlace(file, json).at("steps"));
 }
 
+void FoundRun::requireWritable() const {
+  serdesctl::requireWritable(folder + kRunFile);
+}
+
 void FoundRun::rewrite() const {
   writeRecord(folder, record);
 }

@@ -50,7 +50,7 @@ struct RunRecord {
   std::size_t sent = 0;   // how many have been sent, or were about to be
   std::string confirmBy;  // until when it waits for a confirmation
   std::string undoes;     // the run that it takes back
-  std::string undoneBy;   // the run that has taken it back
+  std::string undoneBy;   // the run that has taken it back; itself where nothing of it was left
 };
 
 struct FoundRun {
@@ -68,6 +68,8 @@ struct FoundRun {
   std::optional<SwitchState> after() const;
   std::vector<PlannedStep> steps() const;
 
+  // Throws UsageError where the record cannot be changed, as that of another user's run.
+  void requireWritable() const;
   // Changes the record on the disk; for runs whose process is gone.
   void rewrite() const;
   // Tells the process that waits. Throws WriteError.

@@ -27,11 +27,11 @@ int performDiff(const Options& options) {
   Comparison comparison = compare(before.state, after.state);
   if (!diff.observations) comparison.observations.clear();
   const ComparedNames names = {diff.before, diff.after.empty() ? *after.origin.target : diff.after};
-  const bool colour = ::isatty(STDOUT_FILENO) != 0;
+  const bool colour = showsColour(STDOUT_FILENO);
   Output output(STDOUT_FILENO);
   output.write(diff.json ? jsonDiff(comparison, names) : textDiff(comparison, names, colour));
   output.flush();
-  return isSame(comparison) && before.state.unread == after.state.unread ? kDone : kFailed;
+  return isSame(comparison) ? kDone : kFailed;
 }
 
 }  // namespace serdesctl

@@ -106,7 +106,11 @@ class Health {
       if (asic.ports == 0) continue;
       const std::string number = std::to_string(asic.asked.config().asic);
       const std::vector<std::string> commands = {"setAsicNum " + number, "clearErrors " + listOf(asic.ports)};
-      journal.intend(commands);
+      try {
+        journal.intend(commands);
+      } catch (const WriteError& error) {
+        throw UsageError(error.what());  // nothing has been sent
+      }
       for (const std::string& command : commands)
         send(command, journal);
       complain("cleared the error counters of ports " + listOf(asic.ports) + " of ASIC " + number);

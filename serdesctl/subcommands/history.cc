@@ -8,6 +8,7 @@
 
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/output.h"
+#include "serdesctl/base/text.h"
 #include "serdesctl/base/waiting.h"
 #include "serdesctl/formats/json_object.h"
 #include "serdesctl/journal/journal_file.h"
@@ -39,15 +40,17 @@ std::string ending(const FoundRun& run) {
   std::string text = runStateName(r.state);
   if (!r.reason.empty()) text += ": " + r.reason;
   if (r.state == RunState::kWaiting) text += " until " + r.confirmBy;
+  if (r.undoneBy == r.run) return text + ", nothing of it was left to undo";
   if (!r.undoneBy.empty()) text += ", undone by " + r.undoneBy;
   return text;
 }
 
 std::string textLine(const FoundRun& run) {
   const RunRecord& r = run.record;
-  return r.run + "  " + r.time + "  " + r.user + "@" + r.host + (r.from.empty() ? "" : " from " + r.from) + "  " +
-         r.target + "  " + r.what + "  " + std::to_string(r.sent) + "/" + std::to_string(r.steps) + "  " + ending(run) +
-         (run.canBeUndone() ? "  (can be undone)" : "") + "\n";
+  return printable(r.run + "  " + r.time + "  " + r.user + "@" + r.host + (r.from.empty() ? "" : " from " + r.from) +
+                   "  " + r.target + "  " + r.what + "  " + std::to_string(r.sent) + "/" + std::to_string(r.steps) +
+                   "  " + ending(run) + (run.canBeUndone() ? "  (can be undone)" : "")) +
+         "\n";
 }
 
 std::string jsonOf(const FoundRun& run) {

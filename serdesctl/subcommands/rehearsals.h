@@ -9,10 +9,7 @@
 
 namespace serdesctl {
 
-// The commands of a plan, and what it cannot do.
-Rehearsed rehearsedPlan(const Plan& plan, const std::string& file);
-
-// Tries the plan on a twin of the switch as it is now; says so when a port gets worse.
+// Tries a plan's commands on a twin of the switch as it is now; says so when one is refused or a port gets worse.
 bool rehearsedWell(OpenedSwitch& opened, const CommonOptions& options, const Plan& plan, const std::string& file);
 
 }  // namespace serdesctl

@@ -25,6 +25,7 @@ std::vector<FoundRun> runsOf(const Target& target) {
 }
 
 std::string whyNot(const RunRecord& run) {
+  if (run.undoneBy == run.run) return "has nothing left to undo";
   if (!run.undoneBy.empty()) return "has been undone by run " + run.undoneBy;
   if (run.state == RunState::kRolledBack) return "has been rolled back";
   return "is under way";
@@ -75,6 +76,7 @@ int performUndo(const Options& options) {
   const SwitchState& now = opened.now.state;
   const std::vector<FoundRun> runs = runsOf(opened.target);
   const FoundRun run = chosenRun(runs, options.change.run, opened.target);
+  run.requireWritable();
   Undoing undoing = undoingOf(run, now);
   if (!options.change.force) refuseConflicts(undoing, run.record);
   Wish wish = {

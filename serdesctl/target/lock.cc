@@ -41,13 +41,11 @@ Fd openLockFile(const std::string& fileName) {
   return file;
 }
 
-// Text that another process wrote, made fit for a line of output.
 std::string holderOf(const Fd& file) {
   std::array<char, 256> text{};
   const ssize_t length = ::pread(file.get(), text.data(), text.size(), 0);
   std::string holder(text.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
-  holder = holder.substr(0, holder.find('\n'));
-  std::replace_if(holder.begin(), holder.end(), isControlCharacter, '?');
+  holder = printable(holder.substr(0, holder.find('\n')));
   return holder.empty() ? "somebody" : holder;
 }
 

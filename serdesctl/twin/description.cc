@@ -193,11 +193,6 @@ class Writer {
       "# What a port hears and through what is not shown by a switch. It is chosen so that taps, Ap and Amin read as\n"
       "# they did; a port is taken to hear itself unless somebody who is set otherwise explains them better.\n";
 
-  static std::string printable(std::string text) {
-    std::replace_if(text.begin(), text.end(), isControlCharacter, ' ');
-    return text;
-  }
-
   static std::string textOf(const Unread& unread) {
     const std::string port = unread.port ? "port " + std::to_string(*unread.port) + " of " : "";
     return port + "ASIC " + std::to_string(unread.asic) + ": " + unread.what + " could not be read";

@@ -37,7 +37,7 @@ class TemporaryFolder {
   TemporaryFolder() {
     const std::string folder = environmentVariable("TMPDIR").value_or("/tmp");
     std::string name = folder + "/serdesctl.XXXXXX";
-    if (::mkdtemp(name.data()) == nullptr) throw WriteError(folder + ": " + errorText());
+    if (::mkdtemp(name.data()) == nullptr) throw UsageError(folder + ": " + errorText());
     path_ = name;
   }
   ~TemporaryFolder() {
@@ -271,12 +271,17 @@ std::string jsonReport(const RehearsalResult& result, const Origin& origin) {
 std::string textReport(const RehearsalResult& result, bool colour) {
   std::string text = textDiff(result.changes, {"before", "rehearsed"}, colour);
   if (text.empty()) text = "no setting would change\n";
+  text += refusalsText(result) + trendsText(result);
+  return text + (result.anyWorse() ? "" : "no port would be worse\n");
+}
+
+std::string refusalsText(const RehearsalResult& result) {
+  std::string text;
   for (const Refusal& refusal : result.refused) {
     text += "refused: " + refusal.place + ": " + (refusal.command.empty() ? "" : refusal.command + ": ") +
             refusal.reason + "\n";
   }
-  text += trendsText(result);
-  return text + (result.anyWorse() ? "" : "no port would be worse\n");
+  return text;
 }
 
 std::string trendsText(const RehearsalResult& result) {

@@ -65,7 +65,8 @@ RehearsalResult rehearseOn(const std::string& description, Seconds timeout, cons
 std::string jsonReport(const RehearsalResult& result, const Origin& origin);
 std::string textReport(const RehearsalResult& result, bool colour);
 
-// The ports alone.
+// What is refused, and how ports fare: a line each.
+std::string refusalsText(const RehearsalResult& result);
 std::string trendsText(const RehearsalResult& result);
 
 }  // namespace serdesctl

@@ -12,7 +12,7 @@ from typing import Any
 
 from program import SERDESCTL
 from schemas import load
-from serdes_runs import StrPath
+from serdes_runs import StrPath, shipped_switch
 import serdes_runs
 from switch_saves import SWITCHES, SaveTest
 
@@ -108,6 +108,21 @@ class Diff(SaveTest):
             self.assertEqual((done.status, done.out), (0, ""), switch)
             self.assertEqual(self.ctl("diff", save, save, "--observations"), (0, "", ""))
 
+    def test_what_could_not_be_read_of_one(self) -> None:
+        fault = '\n[[faults]]\noperation = "GetSerDesTxSlew"\nasic = 0\nport = 4\nalways = true\ncode = -108\n'
+        switch = self.script(shipped_switch("default").read_text() + fault, "switch.toml")
+        whole = self.save()
+        self.state.unlink()
+        lacking = self.save(switch, name="lacking.json", status=1)
+        unread = "ASIC 0 port 4 slew: "
+        for words, name in (((whole, lacking), lacking), ((lacking, whole), lacking)):
+            done = self.ctl("diff", *words)
+            self.assertEqual(done.status, 1)
+            self.assertIn(f"not read in {name}: {unread}", done.out)
+        report = load(self.ctl("diff", "--json", whole, lacking).out)
+        self.assertEqual((report["unread_before"], len(report["unread_after"]), report["records"]), ([], 1, []))
+        self.assertEqual(self.ctl("diff", lacking, lacking), (0, "", ""))
+
     def test_text(self) -> None:
         before = self.save()
         self.change("setSlew 24 4\nsetRxParamsCache 4G DFE1 6 4 0x4e 5\n")
@@ -125,12 +140,19 @@ class Diff(SaveTest):
         before = self.save()
         self.change("setSlew 24 4\n")
         after = self.save(name="after.json")
-        mine, theirs = pty.openpty()
-        done = self.ctl("diff", before, after, stdout=theirs)
-        os.close(theirs)
-        self.assertEqual(done.status, 1)
-        self.assertIn(b"\x1b[31m- slew_ps 36\x1b[0m\r\n\x1b[32m+ slew_ps 24\x1b[0m", os.read(mine, 65536))
-        os.close(mine)
+        coloured = b"\x1b[31m- slew_ps 36\x1b[0m\r\n\x1b[32m+ slew_ps 24\x1b[0m\r\n"
+        for env, lines in (
+            ({"TERM": "xterm"}, coloured),
+            ({"TERM": "dumb"}, b"\r\n- slew_ps 36\r\n+ slew_ps 24\r\n"),
+            ({"TERM": "xterm", "NO_COLOR": "1"}, b"\r\n- slew_ps 36\r\n+ slew_ps 24\r\n"),
+        ):
+            self.env.update(env)
+            mine, theirs = pty.openpty()
+            done = self.ctl("diff", before, after, stdout=theirs)
+            os.close(theirs)
+            self.assertEqual(done.status, 1)
+            self.assertIn(lines, os.read(mine, 65536), env)
+            os.close(mine)
 
     def test_reading_sets_nothing(self) -> None:
         before = self.save()

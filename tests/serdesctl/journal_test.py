@@ -88,10 +88,31 @@ class Journal(ProgramTest):
             "2001-1-1",
             "-1h",
             "2001-01-01T10",
+            "2001-02-30",
+            "2001-13-01",
+            "2001-01-01T24:00",
+            "2001-01-01T10:60",
+            "2001-01-01T10:00:60",
         ):
             status, out, err = self.ctl("journal", f"--since={since}")
             self.assertEqual((status, out), (2, ""))
             self.assertIn(since, err)
+        done = self.ctl("journal", "--run", "nope")
+        self.assertEqual(done, (2, "", "serdesctl: the journal has no run 'nope'\n"))
+
+    def test_a_journal_that_cannot_be_read(self) -> None:
+        self.journal_file().parent.mkdir(exist_ok=True)
+        self.journal_file().symlink_to("journal.jsonl")
+        status, out, err = self.ctl("journal")
+        self.assertEqual((status, out), (1, ""))
+        self.assertIn(f"{self.journal_file()}: ", err)
+
+    def test_what_is_recorded_stays_within_its_line(self) -> None:
+        self.env["SUDO_USER"] = "alice\n\x1b[2J"
+        self.assertEqual(self.run_script("setRate 8G 1\n", "-t", "sim")[0], 0)
+        done = self.ctl("journal")
+        self.assertEqual((done.status, len(done.out.splitlines())), (0, 1))
+        self.assertIn("alice??[2J as ", done.out)
 
     def test_the_intent_is_there_before_the_command_is_answered(self) -> None:
         self.misbehaving("copies_the_journal", "setRate 8G 2")

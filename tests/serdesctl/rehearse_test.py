@@ -4,6 +4,7 @@
 from __future__ import annotations
 
 import os
+import re
 import unittest
 from pathlib import Path
 from typing import Any
@@ -104,7 +105,7 @@ class Rehearse(ProgramTest):
     def test_without_a_place_for_the_twin(self) -> None:
         self.env["TMPDIR"] = f"{self.folder}/none"
         done = self.ctl("-t", BENCH, "rehearse", self.script("showRate all\n"))
-        self.assertEqual(done, (1, "", f"serdesctl: {self.folder}/none: No such file or directory\n"))
+        self.assertEqual(done, (2, "", f"serdesctl: {self.folder}/none: No such file or directory\n"))
 
     def test_all_settings_that_are_refused_are_told(self) -> None:
         beyond = (
@@ -112,8 +113,26 @@ class Rehearse(ProgramTest):
         )
         report = self.rehearse(beyond.format(2, 140) + beyond.format(5, 141), name="settings.toml")
         self.assertEqual(report["changes"], [])
-        refused = [(refusal["command"].split()[2], refusal["reason"]) for refusal in report["refused"]]
-        self.assertEqual([power for power, _ in refused], ["140", "141"])
+        self.assertEqual(
+            [re.findall(r"port \d|FFE3 \d+", one["reason"]) for one in report["refused"]],
+            [["port 2", "FFE3 140"], ["port 5", "FFE3 141"]],
+        )
+
+    def test_all_commands_of_settings_that_are_refused_are_told(self) -> None:
+        beyond = '[[settings]]\nports = {}\nspeed = "{}"\n'
+        report = self.rehearse(beyond.format(2, "20G") + beyond.format(20, "8G"), target="sim", name="settings.toml")
+        commands = {one["command"] for one in report["refused"]}
+        self.assertEqual(commands, {"setRate 20G 2", "setRate 8G 20"})
+
+    def test_a_save_of_some_ports_says_nothing_of_the_others(self) -> None:
+        save = self.folder / "some.json"
+        self.assertEqual(self.ctl("-t", BENCH, "save", "--ports", "0-2", "-o", save).status, 0)
+        script = self.script("setSlew 75 2-3\n")
+        done = self.ctl("rehearse", "--on", save, script)
+        self.assertEqual(done.status, 1)
+        self.assertIn(f"refused: {script}: sets ASIC 0 port 3 (user 3), which the save does not have\n", done.out)
+        self.assertIn("ASIC 0 port 2 (user 2) tx link 0\n- slew_ps 36\n+ slew_ps 75\n", done.out)
+        self.assertNotIn("\nASIC 0 port 3", done.out)
 
     def test_settings(self) -> None:
         settings = (
@@ -130,8 +149,13 @@ class Rehearse(ProgramTest):
         bad = '[[settings]]\nports = "3"\ntransmit = { mode = "FFE2", k = 20, c0 = 0, c1 = 30, c2 = -30, c3 = 0 }\n'
         done = self.ctl(*words, "apply", "--rehearse", "--yes", self.script(bad, "bad.toml"))
         self.assertEqual(done.status, 1)
-        self.assertIn("nothing was sent, for on a twin ports get worse:\n", done.err)
+        self.assertIn("nothing was sent, for on a twin it went wrong:\n", done.err)
         self.assertIn("serdesctl: worse: ASIC 0 port 3: good -> ", done.err)
+        self.assertEqual(self.ctl(*words, "diff", save).status, 0)
+        refused = self.script('[[settings]]\nports = "3-4"\nspeed = "20G"\n', "refused.toml")
+        done = self.ctl(*words, "apply", "--rehearse", "--yes", refused)
+        self.assertEqual(done.status, 1)
+        self.assertIn(f"serdesctl: refused: {refused}: setRate 20G 3-4: error during", done.err)
         self.assertEqual(self.ctl(*words, "diff", save).status, 0)
         good = '[[settings]]\nports = "3"\nto = ["2G"]\ntransmit = { k = 90 }\n'
         done = self.ctl(*words, "apply", "--rehearse", "--yes", self.script(good, "good.toml"))

@@ -112,6 +112,10 @@ class Save(SaveTest):
             (["--ports", "24"], 2, "no port 24 of ASIC 0"),
             (["--ports", "1-"], 2, "'1-' is no port list"),
             (["--ports", ","], 2, "',' is no port list"),
+            (["--ports", "3-1"], 2, "'3-1' is no port list"),
+            (["--ports", "0-3,99"], 2, "no port 99 of ASIC 0"),
+            (["--ports", "64"], 2, "no port 64 of ASIC 0"),
+            (["--ports", ""], 2, "--ports: its value is empty"),
             (["--asic", "2"], 2, "--asic"),
             (["--registers", "--as-settings"], 2, "excludes"),
         ):

@@ -40,6 +40,28 @@ class Undoing(ChangingTest):
         status, _, err = self.do("undo", "--yes")
         self.assertEqual((status, "nothing that could be undone" in err), (2, True), err)
 
+    def test_nothing_left_to_undo(self) -> None:
+        before = self.save("before.json")
+        run = self.apply(FIRST)
+        self.must("restore", "--yes", before)
+        self.must("undo", "--yes", "--force", run)
+        self.assertIn(f"{run}  ", self.must("history").out)
+        self.assertRegex(self.must("history").out, rf"(?m)^{run} .*  done, nothing of it was left to undo$")
+        done = self.do("undo", "--yes", run)
+        self.assertEqual((done.status, done.err), (2, f"serdesctl: run {run} has nothing left to undo\n"))
+
+    @unittest.skipUnless(os.geteuid() == 0, "a second user is needed")
+    def test_a_run_of_another_user(self) -> None:
+        run = self.apply(FIRST)
+        done = self.save("done.json")
+        os.chmod(self.folder, 0o777)
+        for file in self.folder.glob("switch*"):
+            os.chmod(file, 0o666)
+        result = self.do("undo", "--yes", run, user="nobody")
+        self.assertEqual(result.status, 2, result)
+        self.assertIn("run.json: Permission denied", result.err)
+        self.assertEqual(self.differences(done), "")
+
     def test_an_undoing_can_be_undone_by_its_name(self) -> None:
         run = self.apply(FIRST)
         done = self.save("done.json")

@@ -47,7 +47,7 @@ TEST_F(JournalFileTest, OldFilesMakeRoomAndTheNewestLinesStay) {
   }
   EXPECT_EQ(files, 3U);
   EXPECT_LE(bytes, 300U);
-  const std::vector<std::string> lines = readJournal(folder_, ignore);
+  const std::vector<std::string> lines = readJournal(folder_, ignore, ignore);
   ASSERT_GE(lines.size(), 22U);
   EXPECT_EQ(lines.back(), "line 199");
   EXPECT_EQ(lines.front(), "line " + std::to_string(200 - lines.size()));
@@ -72,7 +72,7 @@ TEST_F(JournalFileTest, WritersThatMakeRoomLoseNothingOfEachOther) {
     ASSERT_EQ(::waitpid(pid, &status, 0), pid);
     EXPECT_EQ(status, 0);
   }
-  const std::vector<std::string> lines = readJournal(folder_, ignore);
+  const std::vector<std::string> lines = readJournal(folder_, ignore, ignore);
   EXPECT_EQ(lines.size(), static_cast<std::size_t>(kWriters * kLines));
   EXPECT_EQ(std::set<std::string>(lines.begin(), lines.end()).size(), lines.size());
 }
@@ -86,20 +86,20 @@ TEST_F(JournalFileTest, AnotherFileOfTheNameIsTakenUp) {
   std::filesystem::rename(name, name + ".1");
   std::ofstream(name) << "other\n";
   file.append("three\n", true);
-  EXPECT_EQ(readJournal(folder_, ignore), (std::vector<std::string>{"two", "other", "three"}));
+  EXPECT_EQ(readJournal(folder_, ignore, ignore), (std::vector<std::string>{"two", "other", "three"}));
 }
 
 TEST_F(JournalFileTest, WithoutOldFilesTheOnlyOneBeginsAnew) {
   JournalFile file(folder_, ignore, {.mostBytes = 8, .oldFiles = 0});
   for (const char* line : {"first\n", "second\n"})
     file.append(line, false);
-  EXPECT_EQ(readJournal(folder_, ignore), std::vector<std::string>{"second"});
+  EXPECT_EQ(readJournal(folder_, ignore, ignore), std::vector<std::string>{"second"});
 }
 
 TEST_F(JournalFileTest, AFileThatCannotBeReadIsSaid) {
   std::filesystem::create_symlink("journal.jsonl", folder_ + "/journal.jsonl");
   std::string notices;
-  EXPECT_TRUE(readJournal(folder_, [&](const std::string& text) { notices += text; }).empty());
+  EXPECT_TRUE(readJournal(folder_, ignore, [&](const std::string& text) { notices += text; }).empty());
   EXPECT_EQ(notices, folder_ + "/journal.jsonl: Too many levels of symbolic links");
 }
 
@@ -129,11 +129,11 @@ TEST_F(JournalFileTest, WhatWasNeverIntendedIsNeitherLostNorDropped) {
   journal.answered(CMD_OK);
   journal.lost("the tool has gone");
   journal.dropRest();
-  const std::vector<JournalEntry> entries = readEntries(readJournal(folder_, ignore), ignore);
+  const std::vector<JournalEntry> entries = readEntries(readJournal(folder_, ignore, ignore), ignore);
   ASSERT_EQ(entries.size(), 1U);
   EXPECT_EQ(entries[0].result, "answered");
   EXPECT_EQ(entries[0].reason, "");
-  EXPECT_EQ(readJournal(folder_, ignore).size(), 2U);
+  EXPECT_EQ(readJournal(folder_, ignore, ignore).size(), 2U);
 }
 
 TEST_F(JournalFileTest, WithoutAFolderNothingIsAppended) {
@@ -143,7 +143,7 @@ TEST_F(JournalFileTest, WithoutAFolderNothingIsAppended) {
 TEST_F(JournalFileTest, AFolderThatIsNotThereIsAnError) {
   JournalFile file(folder_ + "/none", ignore);
   EXPECT_THROW(file.append("line\n", true), WriteError);
-  EXPECT_TRUE(readJournal(folder_ + "/none", ignore).empty());
+  EXPECT_TRUE(readJournal(folder_ + "/none", ignore, ignore).empty());
 }
 
 }  // namespace
