@@ -95,8 +95,9 @@ void addTwinOptions(CLI::App& app, Options& options) {
 
 void addRehearseOptions(CLI::App& app, Options& options) {
   RehearseOptions& rehearse = options.rehearse;
-  app.add_option("FILE", rehearse.file,
-                 "A script, or a file whose name ends in .toml (settings) or .json (a save, a plan)")
+  app.add_option(
+         "FILE", rehearse.file,
+         "A script, - for standard input, or a file whose name ends in .toml (settings) or .json (a save, a plan)")
       ->required();
   app.add_option("--on", rehearse.on, "On a twin of this save, instead of the switch as it is")->type_name("SAVE");
   app.add_flag("--through-cache", rehearse.throughCache, "Settings without a keyword by the cache, as for apply");
@@ -167,7 +168,9 @@ constexpr const char* kThroughCacheHelp =
 
 void addPlanOptions(CLI::App& app, Options& options) {
   PlanOptions& plan = options.plan;
-  app.add_option("FILE", plan.file, "A settings file or a save")->required()->type_name("SETTINGS|SAVE");
+  app.add_option("FILE", plan.file, "A settings file or a save, - for standard input")
+      ->required()
+      ->type_name("SETTINGS|SAVE");
   app.add_flag("--through-cache", plan.throughCache, kThroughCacheHelp);
   app.add_option("-o,--output", plan.output, "Keep the plan in FILE, for apply")->type_name("FILE");
   CLI::Option* const script = app.add_flag("--script", plan.script, "Print the commands alone, as a script");
@@ -186,7 +189,7 @@ void addChangeOptions(CLI::App& app, ChangeOptions& change) {
 }
 
 void addApplyOptions(CLI::App& app, Options& options) {
-  app.add_option("FILE", options.change.file, "A settings file, a save, or a plan that was kept")
+  app.add_option("FILE", options.change.file, "A settings file, a save, or a plan that was kept; - for standard input")
       ->required()
       ->type_name("SETTINGS|SAVE|PLAN");
   app.add_flag("--through-cache", options.change.throughCache, kThroughCacheHelp);
@@ -196,7 +199,7 @@ void addApplyOptions(CLI::App& app, Options& options) {
 }
 
 void addRestoreOptions(CLI::App& app, Options& options) {
-  app.add_option("SAVE", options.change.file, "A save")->required();
+  app.add_option("SAVE", options.change.file, "A save, - for standard input")->required();
   app.add_option("--ports", options.change.ports, "These ports alone: gl, 1-5,7")->type_name("LIST");
   app.add_option("--asic", options.change.asic, "Of this ASIC; LIST is of ASIC 0 unless told")
       ->type_name("NUMBER")

@@ -105,6 +105,10 @@ std::string readFile(const std::string& name, std::size_t mostBytes) {
   return readToEnd(file.get(), name, mostBytes);
 }
 
+std::string fileTitle(const std::string& name) {
+  return name == "-" ? "standard input" : name;
+}
+
 bool writeAll(int descriptor, std::string_view text) {
   while (!text.empty()) {
     const ssize_t count = ::write(descriptor, text.data(), text.size());

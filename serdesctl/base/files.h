@@ -45,6 +45,9 @@ std::string errorText(int error = errno);
 // and Interrupted.
 std::string readFile(const std::string& name, std::size_t mostBytes);
 
+// What messages call a file of that name.
+std::string fileTitle(const std::string& name);
+
 // Writes all of `text`; false with errno when that fails.
 bool writeAll(int descriptor, std::string_view text);
 

@@ -22,6 +22,7 @@ inline std::string printable(std::string text) {
 
 // Saves and plans are JSON objects, which no TOML begins like.
 inline bool isJson(std::string_view text) {
+  if (text.starts_with("\xef\xbb\xbf")) text.remove_prefix(3);  // a byte order mark, of which editors make no word
   const std::size_t first = text.find_first_not_of(" \t\r\n");
   return first != std::string_view::npos && text[first] == '{';
 }

@@ -329,7 +329,7 @@ SettingsFile parseSettings(const std::string& text, const std::string& name) {
 }
 
 SettingsFile readSettings(const std::string& fileName) {
-  return parseSettings(readFile(fileName, kMostBytes), fileName == "-" ? "standard input" : fileName);
+  return parseSettings(readFile(fileName, kMostBytes), fileTitle(fileName));
 }
 
 void refuse(const std::vector<std::string>& problems) {

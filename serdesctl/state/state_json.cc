@@ -533,7 +533,7 @@ Save parseSave(const std::string& text, const std::string& name) {
 }
 
 Save readSave(const std::string& fileName) {
-  return parseSave(readFile(fileName, kMostBytes), fileName == "-" ? "standard input" : fileName);
+  return parseSave(readFile(fileName, kMostBytes), fileTitle(fileName));
 }
 
 }  // namespace serdesctl

@@ -108,24 +108,25 @@ void keepChosen(SwitchState& wanted, const ChangeOptions& options) {
 
 Wish readWish(const std::string& file, const SwitchState& now, bool throughCache) {
   const std::string text = readFile(file, kMostBytes);
+  const std::string title = fileTitle(file);
   if (!isJson(text)) {
     Wish wish = {.source = file,
-                 .wanted = wantedState(parseSettings(text, file), now),
+                 .wanted = wantedState(parseSettings(text, title), now),
                  .throughCache = throughCache,
                  .plan = {}};
     return planned(std::move(wish), now);
   }
-  const Json json = parseJson(text, file);
-  if (!isPlan(json)) return saveWish(text, file, now, throughCache);
-  const KeptPlan kept = readPlan(json, file);
+  const Json json = parseJson(text, title);
+  if (!isPlan(json)) return saveWish(text, title, now, throughCache);
+  const KeptPlan kept = readPlan(json, title);
   Wish wish =
       planned({.source = kept.source, .wanted = kept.wanted, .throughCache = kept.throughCache, .plan = {}}, now);
-  refuseOutdated(file, kept, wish.plan, now);
+  refuseOutdated(title, kept, wish.plan, now);
   return wish;
 }
 
 Wish readRestoration(const ChangeOptions& options, const SwitchState& now) {
-  SwitchState wanted = parseSave(readFile(options.file, kMostBytes), options.file).state;
+  SwitchState wanted = readSave(options.file).state;
   if (!options.ports.empty() || options.asic) keepChosen(wanted, options);
   refuseOtherSwitch(options.file, now, wanted);
   return planned(

@@ -30,7 +30,13 @@ ParseError::ParseError(const std::string& name, TextPlace place, const std::stri
       place_(place) {}
 
 void TextCursor::expect(std::string_view expected) {
-  if (!skip(expected)) fail(shown(expected));
+  if (skip(expected)) return;
+  // A line that ends as expected is none of the trouble.
+  while (startsWith("\n") && expected.size() > 1 && expected[0] == '\n') {
+    ++at_;
+    expected.remove_prefix(1);
+  }
+  fail(shown(expected));
 }
 
 bool TextCursor::skip(std::string_view expected) {
