@@ -33,7 +33,7 @@ std::uint32_t numberOf(const FfeValues& ffe) {
 
 TEST(SerDesLimits, OfTheFfeAreThoseOfTheSimulatedSwitch) {
   std::mt19937 random(1);
-  const auto upTo = [&](int most) { return std::uniform_int_distribution(-most, most)(random); };
+  const auto within = [&](int most) { return std::uniform_int_distribution(-most, most)(random); };
   int taken = 0, refused = 0;
   for (int i = 0; i < 20000; ++i) {
     const SerDesTraits& traits = serDesTraits(kFibreTypes[random() % 5]);
@@ -41,10 +41,10 @@ TEST(SerDesLimits, OfTheFfeAreThoseOfTheSimulatedSwitch) {
     const int most = i % 2 == 0 ? 30 : 66;
     const FfeValues ffe = {ffeModeNames[mode].name,
                            static_cast<std::int32_t>(random() % 256),
-                           i % 3 == 0 ? 0 : upTo(most),
-                           upTo(most),
-                           upTo(most),
-                           i % 3 == 0 ? 0 : upTo(most)};
+                           i % 3 == 0 ? 0 : within(most),
+                           within(most),
+                           within(most),
+                           i % 3 == 0 ? 0 : within(most)};
     const auto refusal = refusalOf(traits, ffe);
     ASSERT_EQ(!refusal, takes(traits, mode, ffe)) << traits.name << " mode " << mode;
     ++(refusal ? refused : taken);
