@@ -50,6 +50,7 @@ TEST(Channel, OpticalModuleIsHostTraceWithJitter) {
   const Channel optics = opticalModule(10, 0.03);
   EXPECT_NEAR(insertionLossDb(optics, 5), insertionLossDb(fr4Trace(10) + connector(), 5), 1e-12);
   EXPECT_EQ(optics.randomJitterUi, 0.03);
+  EXPECT_EQ(opticalModule(10).randomJitterUi, 0.02);
 }
 
 TEST(Channel, CascadeAddsLossesAndJoinsTheRest) {

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 
+#include "simulator/serdes/settings.h"
 #include "tests/unit/simulator/link/reference.h"
 
 namespace simulator {
@@ -17,6 +18,14 @@ Transmitter sender(unsigned mode, std::array<int, 4> taps) {
   transmitter.ffeMode = mode;
   transmitter.c = taps;
   return transmitter;
+}
+
+TEST(Ends, BeginAsASerDesDoesAfterAReset) {
+  const SerDesTraits& traits = serDesTraits(2);
+  EXPECT_EQ(Transmitter{}, transmitterOf(traits, traits.tx.resetValues()));
+  EXPECT_EQ(Receiver{}, receiverOf(traits, traits.rx.resetValues()));
+  EXPECT_EQ(Receiver{}.signalDetectMv, 50);
+  EXPECT_EQ(Receiver{}.evenOddMismatch, 0.02);
 }
 
 TEST(Drive, FollowsPower) {
