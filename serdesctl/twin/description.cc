@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "display/name_tables.h"
+#include "serdesctl/asking/asked_switch.h"
 #include "serdesctl/base/text.h"
 
 namespace serdesctl {
@@ -222,6 +223,14 @@ class Writer {
     if (asic.state == nullptr) {
       notes_.push_back("ASIC " + std::to_string(asic.number) + ", which is not in the save");
       return text;
+    }
+    std::uint32_t unsaved = 0;
+    for (const ModelPort& port : asic.ports) {
+      if (port.state == nullptr) unsaved |= std::uint32_t{1} << port.config->port;
+    }
+    if (unsaved != 0) {
+      notes_.push_back("ports " + listOf(unsaved) + " of ASIC " + std::to_string(asic.number) +
+                       ", which are not in the save");
     }
     for (const FoundCore& core : asic.state->cores)
       text += coreText(*asic.state, core);

@@ -111,7 +111,8 @@ class Twin(ProgramTest):
         some = ("--registers", "--asic", "0", "--ports", "0,16-17")
         self.ctl("-t", "sim", "--state", state, "save", "-o", before, *some)
         twin, report = self.twin(before)
-        self.assertEqual(report["notes"], ["ASIC 1, which is not in the save"])
+        ports = "ports 1-15 18-23 of ASIC 0, which are not in the save"
+        self.assertEqual(report["notes"], [ports, "ASIC 1, which is not in the save"])
         shown = self.ctl("-t", f"sim:{twin}", "show", "--text", "readTx", "0", "0", "11").out
         self.assertIn("1234", shown)
         after = self.save(f"sim:{twin}", "after.json", *some)
