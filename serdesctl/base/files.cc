@@ -137,6 +137,7 @@ void writeFileWhole(const std::string& name, std::string_view text) {
 
 void requireWritable(const std::string& name) {
   if (name.empty()) return;
+  if (name == "-") throw UsageError("'-' is no file to write to");  // it is standard input where files are read
   try {
     std::error_code ignored;
     if (std::filesystem::is_directory(name, ignored)) failToWrite(name, EISDIR);

@@ -131,6 +131,7 @@ class Save(SaveTest):
             done = self.on("default", "save", "-o", name)
             self.assertEqual((done.status, done.out), (1 if name == "/dev/full" else 2, ""))
             self.assertIn(f"serdesctl: {name}: {message}", done.err)
+        self.assertEqual(self.on("default", "save", "-o", "-"), (2, "", "serdesctl: '-' is no file to write to\n"))
         path = self.save()
         path.chmod(0o640)
         link = self.folder / "link"
