@@ -55,6 +55,7 @@ class Undoing(ChangingTest):
         run = self.apply(FIRST)
         done = self.save("done.json")
         os.chmod(self.folder, 0o777)
+        os.chmod(self.history()[-1]["folder"], 0o755)
         for file in self.folder.glob("switch*"):
             os.chmod(file, 0o666)
         result = self.do("undo", "--yes", run, user="nobody")
