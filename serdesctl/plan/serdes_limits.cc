@@ -40,7 +40,7 @@ std::size_t missingTap(const SerDesTraits& traits, const FfeValues& ffe) {
   return tap;
 }
 
-// Taps in the same proportion, which send the same at a lower amplitude.
+// Taps in the same proportion send the same.
 FfeValues nearestOf(const SerDesTraits& traits, FfeValues ffe) {
   if (!hasMode(traits.ffeModes, valueOf(ffeModeNames, ffe.ffeMode).value_or(0))) {
     ffe.ffeMode = ffeModeNames[static_cast<std::size_t>(std::bit_width(traits.ffeModes) - 1)].name;
