@@ -276,6 +276,8 @@ TEST(Description, AUserPortIsThatOfOnePort) {
     config.ports.push_back(config.ports[0]);
     config.ports[1].port = 1;
     config.ports[1].userPort = userPort;
+    state.asics[0].ports.push_back(state.asics[0].ports[0]);
+    state.asics[0].ports[1].port = 1;
     const Description description = describe(state);
     EXPECT_EQ(says(description, "user_port = " + std::to_string(userPort)), userPort < 6);
     EXPECT_EQ(description.notes,
