@@ -102,6 +102,7 @@ class Health {
   // Clearing changes the switch: it is in the journal before it is sent.
   void clear() {
     RunJournal journal(JournalFile(journalFolder(), complain), target_.name, options_.common.syslog);
+    bool sent = false;
     for (AskedPorts& asic : asics_) {
       if (asic.ports == 0) continue;
       const std::string number = std::to_string(asic.asked.config().asic);
@@ -109,8 +110,10 @@ class Health {
       try {
         journal.intend(commands);
       } catch (const WriteError& error) {
-        throw UsageError(error.what());  // nothing has been sent
+        if (sent) throw;
+        throw UsageError(error.what());
       }
+      sent = true;
       for (const std::string& command : commands)
         send(command, journal);
       complain("cleared the error counters of ports " + listOf(asic.ports) + " of ASIC " + number);
