@@ -63,20 +63,19 @@ Rehearsed rehearsedPlan(const Plan& plan, const std::string& file) {
 
 // A twin of a save of some ports has the others too, and nobody knows how these are.
 void refuseUnsaved(RehearsalResult& result, const SwitchState& saved, const std::string& file) {
-  const auto isSaved = [&](const auto& place) {
-    return std::any_of(saved.asics.begin(), saved.asics.end(), [&](const AsicState& asic) {
-      return place.asic == asic.asic && findPort(asic, std::optional<std::uint32_t>(place.port).value_or(0)) != nullptr;
+  const auto isUnsaved = [&](const Difference& change) {
+    return std::none_of(saved.asics.begin(), saved.asics.end(), [&](const AsicState& asic) {
+      return asic.asic == change.place.asic && findPort(asic, change.place.port.value_or(0)) != nullptr;
     });
   };
   std::vector<SettingPlace> told;
   for (const Difference& change : result.changes.settings) {
     const SettingPlace port = {.asic = change.place.asic, .port = change.place.port, .userPort = change.place.userPort};
-    if (isSaved(change.place) || std::find(told.begin(), told.end(), port) != told.end()) continue;
+    if (!isUnsaved(change) || std::find(told.begin(), told.end(), port) != told.end()) continue;
     told.push_back(port);
     result.refused.push_back({file, "", "sets " + textOf(port) + ", which the save does not have"});
   }
-  std::erase_if(result.changes.settings, [&](const Difference& change) { return !isSaved(change.place); });
-  std::erase_if(result.ports, [&](const PortTrend& trend) { return !isSaved(trend.after.place); });
+  std::erase_if(result.changes.settings, isUnsaved);
 }
 
 }  // namespace
