@@ -59,7 +59,6 @@ class Reader {
   }
   void finishRecord() {
     if (current_ != nullptr && taken_ != current_->values.size()) fits_ = false;
-    current_ = nullptr;
   }
 
   const std::vector<StateRecord>& records_;

@@ -335,10 +335,12 @@ INSTANTIATE_TEST_SUITE_P(
                     Mistake{"BehindALiteral", "a = '\\'\u00e9\n", "some.toml:1" + kOutsideOfQuotes},
                     Mistake{"BehindAnOpenText", "a = \"#\n\u00e9", "some.toml:2" + kOutsideOfQuotes},
                     Mistake{"BehindAnEmptyText", "a = \"\"\u00e9", "some.toml:1" + kOutsideOfQuotes},
+                    Mistake{"RightBehindLines", "a = \"\"\"x\"\"\"\u00e9", "some.toml:1" + kOutsideOfQuotes},
                     Mistake{"BehindLines", "a = '''\n\u00e9'''''\u00e9", "some.toml:2" + kOutsideOfQuotes},
-                    Mistake{"NoCharacter", "\x80", "some.toml:1" + kOutsideOfQuotes},
+                    Mistake{"NoCharacter", "\n\x80", "some.toml:2" + kOutsideOfQuotes},
                     Mistake{"InLines", "a = \"\"\"\\\n \u00e9\"\"\"", "some.toml:2" + kInTripleQuotes},
                     Mistake{"EscapedInLines", "a = \"\"\"\\\u00e9\"\"\"", "some.toml:1" + kInTripleQuotes},
+                    Mistake{"LowestEscapedInLines", "a = \"\"\"\\\x80\"\"\"", "some.toml:1" + kInTripleQuotes},
                     Mistake{"KeyOfAsManyPartsAsMayBe",
                             "a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a = 1.5\nb.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a = 1.5\n",
                             "some.toml:1: a: " + kUnknown + kTopKeys},
@@ -375,8 +377,10 @@ TEST(DescriptionText, MayHaveManyPointsButNotInOneKey) {
 // The rest of the message is the TOML library's.
 TEST(DescriptionMistake, ThatIsNotTomlIsNamedWithFileAndLine) {
   EXPECT_EQ(errorOf("slots = 1\na = = 1\n").substr(0, 13), "some.toml:2: ");
-  for (const std::string end : {"\"\\", "\"\"\"a", "'''a'''"})
+  for (const std::string end : {"\"\\", "\"\"\"a", "'''a'''", "\"\"\"a\"\"\"\"\"\"\u00e9\""}) {
     EXPECT_EQ(errorOf("a = " + end).substr(0, 13), "some.toml:1: ") << end;
+    EXPECT_EQ(errorOf("a = " + end).find(kOutsideOfQuotes), std::string::npos) << end;
+  }
 }
 
 }  // namespace

@@ -7,7 +7,9 @@ using Discovery = SwitchTest;
 
 TEST_F(Discovery, TellsPortsCoresAndUserPorts) {
   Switch_HW_Config_t config;
+  config.reserved.fill(0xaa);
   ASSERT_EQ(sw.getSwitchConfig(&config), kOk);
+  EXPECT_EQ(config.reserved, decltype(config.reserved){});
   EXPECT_EQ(config.NumSlots, 1);
   EXPECT_EQ(config.NumUserPorts, 7);
   EXPECT_EQ(config.NumAuxPorts, 0);
@@ -51,7 +53,9 @@ TEST_F(Discovery, TellsTheSidesOfAPort) {
 
 TEST_F(Discovery, TellsWhatAPortIs) {
   Port_HW_Config_t config;
+  config.rest.fill(0xaa);
   ASSERT_EQ(sw.getPortHwConfig(id(6), &config), kOk);
+  EXPECT_EQ(config.rest, decltype(config.rest){});
   EXPECT_EQ(config.portId.userPort, 46);
   EXPECT_EQ(config.portId.asic, 0);
   EXPECT_EQ(config.portId.asicPort, 6);

@@ -25,7 +25,7 @@ class State : public SwitchTest {
     passSeconds(3);
     (void)sw.setTxFfe(0, 1, -1, {.mode = FFE_3, .k = 99, .c = {-4, 55, -25, 0}});
     (void)sw.setPortSpeed(id(3), SPEED_4G);
-    (void)sw.setRxRateParams(0, 6, SPEED_10G, {-5, INT32_MIN, 3, 4, 5});
+    (void)sw.setRxRateParams(0, 6, SPEED_10G, {-5, INT32_MIN, INT32_MAX, 4, 5});
     (void)sw.setStream(id(8), false);
     (void)sw.writePllRegister(0, 4, 3, 0x1234);
     (void)sw.setTestOption(0, 1, 0, kTestSendPattern, 1);
@@ -150,6 +150,14 @@ TEST_F(State, IsRecordsOfAllThatChangesEachInItsRange) {
       record->values[i] = before;
     }
   }
+}
+
+TEST_F(State, DrawsFromAnyNumberButZeroWhichWouldStayZero) {
+  std::vector<StateRecord> state = sw.exportState();
+  state[0].values[1] = 0;
+  EXPECT_FALSE(other.importState(state));
+  state[0].values[1] = 1;
+  EXPECT_TRUE(other.importState(state));
 }
 
 TEST_F(State, KnowsWhichDescriptionItBelongsTo) {
