@@ -94,9 +94,18 @@ TEST(RegisterMap, ADfeHasARegisterForEachTapThatItsModesUse) {
     const bool dfe3 = (traits.dfeModes & 0b0001) != 0;
     EXPECT_EQ(traits.rx.has(kDfeMode), dfe3) << type;
     EXPECT_EQ(traits.rx.has(kHold), dfe3) << type;
-    EXPECT_EQ(traits.rx.has(tapField(4)), dfe3) << type;
-    EXPECT_EQ(traits.rx.has(tapField(8)), dfe5) << type;
-    EXPECT_EQ(traits.rx.has(tapField(1)), dfe3 && traits.hasEvenAndOddTaps) << type;
+    for (unsigned tap = 0; tap < 10; ++tap) {
+      EXPECT_EQ(traits.rx.has(tapField(tap)), (tap < 6 ? dfe3 : dfe5) && (tap % 2 == 0 || traits.hasEvenAndOddTaps))
+          << type << " tap " << tap;
+    }
+  }
+}
+
+TEST(RegisterMap, EthernetHasFewerParametersForARate) {
+  for (unsigned type = 0; type < kSerDesTypes; ++type) {
+    const SerDesTraits& traits = serDesTraits(type);
+    EXPECT_EQ(traits.txParamCount, traits.isEthernet ? 2 : 7) << type;
+    EXPECT_EQ(traits.rxParamCount, traits.isEthernet ? 2 : 5) << type;
   }
 }
 
