@@ -308,10 +308,10 @@ void Changer::rollBackOnce(const SwitchState& actual) {
 
 ChangeResult Changer::rollBack(const std::string& reason) {
   if (run_.record().sent == 0) return {.state = RunState::kRolledBack, .reason = reason};
-  observer_.saying(reason + ": rolling back");
   rollingBack_ = true;
   forgetSignal();
   (void)writeDown([&] { run_.stopWaiting(); });
+  observer_.saying(reason + ": rolling back");
   ChangeResult result = {.state = RunState::kRolledBack, .reason = reason};
   try {
     SwitchState actual = readAsFarAsPossible();

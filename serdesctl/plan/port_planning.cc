@@ -146,8 +146,7 @@ class PortPlanner {
  public:
   PortPlanner(const AsicState& asic, const PortState& current, const PortState& wanted, const PlanChoice& choice)
       : place_(placeOf(asic, current.port)),
-        ethernet_(ethernetSides(asic, current.port)),
-        traits_(traitsOf(asic, current.port)),
+        sides_(serDesSides(asic, current.port)),
         wanted_(wanted),
         throughCache_(choice.throughCache),
         model_(current) {}
@@ -188,11 +187,11 @@ class PortPlanner {
   }
 
   std::function<void(PortState&)> settingSpeed(const std::string& rate) const {
-    return [rate, wanted = wanted_, ethernet = ethernet_](PortState& port) {
+    return [rate, wanted = wanted_, sides = sides_](PortState& port) {
       const std::string force = rateInForce(port, rate, wanted);
       port.configRate = rate;
       if (isRate(rate) || (port.observed.runningRate && !force.empty())) port.observed.runningRate = force;
-      putIntoForce(port, force, ethernet);
+      putIntoForce(port, force, sides);
     };
   }
 
@@ -283,18 +282,18 @@ class PortPlanner {
   bool takeTx(const PortState& predicted, const std::string& rate, std::map<std::string, TxRawValues>& caches) const {
     const auto goal = goalOf(predicted.tx, wanted_.tx);
     const bool nameless = goal.differs<FfeValues>() && goal.then.front().ffeMode == kNoFfe;
-    return (nameless || ethernet_.tx) && take(goal, ethernet_.tx, rate, caches);
+    return (nameless || sides_.tx.isEthernet) && take(goal, sides_.tx, rate, caches);
   }
 
   bool takeRx(const PortState& predicted, const std::string& rate, std::map<std::string, RxRawValues>& caches) const {
-    return take(goalOf(predicted.rx, wanted_.rx), ethernet_.rx, rate, caches);
+    return take(goalOf(predicted.rx, wanted_.rx), sides_.rx, rate, caches);
   }
 
   template <typename Link, typename Cache>
-  static bool take(const Goal<Link>& goal, bool ethernet, const std::string& rate,
+  static bool take(const Goal<Link>& goal, const SerDesSide& side, const std::string& rate,
                    std::map<std::string, Cache>& caches) {
     if (!goal.differs() || !goal.alike() || !caches.contains(rate)) return false;
-    const auto cache = cacheFor(goal.then.front(), caches.at(rate), ethernet);
+    const auto cache = cacheFor(goal.then.front(), caches.at(rate), side);
     if (cache) caches.at(rate) = *cache;
     return cache.has_value();
   }
@@ -320,9 +319,10 @@ class PortPlanner {
     const auto goal = goalOf(model_.tx, wanted_.tx);
     if (!goal.differs()) return;
     const LiveTx then = goal.then.front();
-    if (ethernet_.tx) return refuse("transmit", text(then), kEthernetLive, orThroughCache("they stay as they are"));
+    if (sides_.tx.isEthernet)
+      return refuse("transmit", text(then), kEthernetLive, orThroughCache("they stay as they are"));
     const bool ffe = goal.differs<FfeValues>() && canSetFfe(goal);
-    const bool slew = goal.differs<LiveSlew>() && canSet<LiveSlew>("slew", goal, traits_.tx);
+    const bool slew = goal.differs<LiveSlew>() && canSet<LiveSlew>("slew", goal, sides_.tx.traits);
     if (!ffe && !slew) return;
     const std::string command = ffe && slew ? "setTxParams" : ffe ? "setFFE" : "setSlew";
     add(Phase::kLive,
@@ -337,7 +337,7 @@ class PortPlanner {
 
   bool canSetFfe(const Goal<LiveTx>& goal) {
     const FfeValues& then = goal.then.front();
-    if (!canSet<FfeValues>("ffe", goal, traits_.tx)) return false;
+    if (!canSet<FfeValues>("ffe", goal, sides_.tx.traits)) return false;
     if (then.ffeMode != kNoFfe) return true;
     refuse("ffe", text(then), "the tool has no keyword for FFENone", orThroughCache("FFE2 with c2 = 0 sends the same"));
     return false;
@@ -366,9 +366,10 @@ class PortPlanner {
     const auto goal = goalOf(model_.rx, wanted_.rx);
     if (!goal.differs()) return;
     const LiveRx then = goal.then.front();
-    if (ethernet_.rx) return refuse("receive", text(then), kEthernetLive, orThroughCache("they stay as they are"));
-    const bool dfe = goal.differs<DfeModeValue>() && canSet<DfeModeValue>("dfe", goal, traits_.rx);
-    const bool vga = goal.differs<VgaValues>() && canSet<VgaValues>("vga", goal, traits_.rx);
+    if (sides_.rx.isEthernet)
+      return refuse("receive", text(then), kEthernetLive, orThroughCache("they stay as they are"));
+    const bool dfe = goal.differs<DfeModeValue>() && canSet<DfeModeValue>("dfe", goal, sides_.rx.traits);
+    const bool vga = goal.differs<VgaValues>() && canSet<VgaValues>("vga", goal, sides_.rx.traits);
     if (!dfe && !vga) return;
     const std::string command = dfe && vga ? "setRxParams" : dfe ? "setDFE" : "setVGA";
     add(Phase::kLive,
@@ -393,8 +394,7 @@ class PortPlanner {
   }
 
   SettingPlace place_;
-  EthernetSides ethernet_;
-  SideTraits traits_;
+  SerDesSides sides_;
   PortState wanted_;
   bool throughCache_;
   PortState model_;

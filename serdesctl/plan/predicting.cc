@@ -5,31 +5,31 @@
 #include <array>
 #include <span>
 
-#include "serdesctl/plan/serdes_limits.h"
 #include "serdesctl/state/saying.h"
+#include "simulator/error_codes.h"
+#include "simulator/serdes/settings.h"
 
 namespace serdesctl {
 namespace {
 
-// Ethernet links show a step of power as 17 of k, and pre-emphasis as what goes from the main cursor to the next.
-constexpr std::int32_t kStepOfK = 17;
-constexpr std::int32_t kEthernetMain = 63;
-constexpr std::int32_t kStepOfPreEmphasis = 2;
-constexpr std::int32_t kMostEthernet = 15;  // power, pre-emphasis
-constexpr std::int32_t kMostEqMode = 7;
-constexpr std::int32_t kMostCdrMode = 3;
+using simulator::FfeSettings;
+using simulator::RegisterFile;
+using simulator::SerDesTraits;
+using simulator::VgaSettings;
+
+// One ethernet SerDes shows its settings as another does.
+constexpr unsigned kEthernetType = 4;
 
 bool fits(std::int32_t value, std::int32_t least, std::int32_t greatest) {
   return least <= value && value <= greatest;
 }
 
-bool isByte(std::int32_t value) {
-  return fits(value, -128, 127);
+bool areBytes(std::span<const std::int32_t> values) {
+  return std::all_of(values.begin(), values.end(), [](std::int32_t value) { return fits(value, -128, 127); });
 }
 
-std::optional<std::string> nameOf(std::span<const ValueName> names, std::int32_t value) {
-  const auto index = static_cast<std::uint32_t>(value);
-  return index < names.size() ? std::optional<std::string>(names[index].name) : std::nullopt;
+bool isNumberOf(std::span<const ValueName> names, std::int32_t value) {
+  return static_cast<std::uint32_t>(value) < names.size();
 }
 
 // The number of a slew rate; nothing for one that has no number: it stays.
@@ -41,60 +41,80 @@ std::optional<std::int32_t> slewNumber(const LiveSlew& slew) {
   return slew.slewUnnamed ? std::optional<std::int32_t>(SLEW_UNKNOWN) : std::nullopt;  // which no SerDes takes
 }
 
+FfeSettings ffeIn(const TxRawValues& cache) {
+  return {static_cast<std::uint32_t>(cache.mode), cache.power, cache.p};
+}
+
+VgaSettings vgaIn(const RxRawValues& cache) {
+  return {cache.p[0], cache.p[1], cache.p[2]};
+}
+
+FfeValues shown(const FfeSettings& ffe) {
+  return {ffeModeNames[ffe.mode].name, ffe.k, ffe.c[0], ffe.c[1], ffe.c[2], ffe.c[3]};
+}
+
 void applyEthernet(const TxRawValues& cache, LiveTx& live) {
-  if (!fits(cache.power, 0, kMostEthernet) || !fits(cache.p[0], 0, kMostEthernet)) return;
-  const std::int32_t shifted = kStepOfPreEmphasis * cache.p[0];
-  live.ffeMode = ffeModeNames[shifted == 0 ? FFE_NONE : FFE_2].name;
-  live.k = kStepOfK * cache.power;
-  live.c0 = 0;
-  live.c1 = kEthernetMain - shifted;
-  live.c2 = -shifted;
-  live.c3 = 0;
+  const SerDesTraits& traits = simulator::serDesTraits(kEthernetType);
+  RegisterFile registers{};
+  if (setDriveLevel(traits, registers, cache.power, cache.p[0]) != simulator::kOk) return;
+  static_cast<FfeValues&>(live) = shown(ffeOf(traits, registers));
 }
 
-void apply(const TxRawValues& cache, LiveTx& live) {
-  const auto mode = nameOf(ffeModeNames, cache.mode);
-  if (mode && fits(cache.power, 0, 255) && std::all_of(cache.p.begin(), cache.p.end(), isByte)) {
-    static_cast<FfeValues&>(live) = {mode, cache.power, cache.p[0], cache.p[1], cache.p[2], cache.p[3]};
+void apply(const TxRawValues& cache, LiveTx& live, const SerDesSide& side) {
+  if (side.isEthernet) return applyEthernet(cache, live);
+  RegisterFile registers{};
+  const bool takesFfe = side.traits != nullptr
+                            ? setFfe(*side.traits, registers, ffeIn(cache)) == simulator::kOk
+                            : isNumberOf(ffeModeNames, cache.mode) && fits(cache.power, 0, 255) && areBytes(cache.p);
+  if (takesFfe) static_cast<FfeValues&>(live) = shown(ffeIn(cache));
+  const auto slew = static_cast<std::uint32_t>(cache.slew);
+  const bool takesSlew = side.traits != nullptr ? setSlew(*side.traits, registers, true, slew) == simulator::kOk
+                                                : slew < slewRateNames.size();
+  if (takesSlew) static_cast<LiveSlew&>(live) = {{std::stoi(slewRateNames[slew].shortName)}, false};
+}
+
+void apply(const RxRawValues& cache, LiveRx& live, const SerDesSide& side) {
+  RegisterFile registers{};
+  if (side.isEthernet) {
+    const SerDesTraits& traits = simulator::serDesTraits(kEthernetType);
+    if (setEqualiser(traits, registers, cache.mode, cache.p[0]) == simulator::kOk) live.peak = cache.p[0];
+    return;
   }
-  if (!fits(cache.slew, 0, static_cast<std::int32_t>(slewRateNames.size()) - 1)) return;
-  live.slewPs = std::stoi(slewRateNames[static_cast<std::size_t>(cache.slew)].shortName);
-  live.slewUnnamed = false;
-}
-
-void applyEthernet(const RxRawValues& cache, LiveRx& live) {
-  if (fits(cache.mode, 0, kMostCdrMode) && fits(cache.p[0], 0, kMostEqMode)) live.peak = cache.p[0];
-}
-
-void apply(const RxRawValues& cache, LiveRx& live) {
-  if (const auto mode = nameOf(dfeModeNames, cache.mode)) live.dfeMode = mode;
-  if (!std::all_of(cache.p.begin(), cache.p.end() - 1, isByte)) return;
-  live.pole = cache.p[0];
-  live.peak = cache.p[1];
-  live.amax = cache.p[2];
+  const auto mode = static_cast<std::uint32_t>(cache.mode);
+  const bool takesDfe = side.traits != nullptr ? setDfe(*side.traits, registers, mode) == simulator::kOk
+                                               : isNumberOf(dfeModeNames, cache.mode);
+  if (takesDfe) live.dfeMode = dfeModeNames[mode].name;
+  const VgaSettings vga = vgaIn(cache);
+  const bool takesVga = side.traits != nullptr ? setVga(*side.traits, registers, vga) == simulator::kOk
+                                               : areBytes(std::span(cache.p).first(3));
+  if (takesVga) static_cast<VgaValues&>(live) = {vga.pole, vga.peak, vga.amax};
 }
 
 template <typename Cache, typename Link>
-void applyToAll(const Cache& cache, std::vector<Link>& links, bool ethernet) {
+void applyToAll(const Cache& cache, std::vector<Link>& links, const SerDesSide& side) {
   for (Link& link : links)
-    ethernet ? applyEthernet(cache, link) : apply(cache, link);
+    apply(cache, link, side);
 }
 
 // Whether putting the cache into force gives just this.
-bool gives(const TxRawValues& cache, const LiveTx& live, bool ethernet) {
+bool gives(const TxRawValues& cache, const LiveTx& live, const SerDesSide& side) {
   LiveTx result = live;
   result.ffeMode.reset();
-  ethernet ? applyEthernet(cache, result) : apply(cache, result);
+  apply(cache, result, side);
   return static_cast<const FfeValues&>(result) == live;
 }
 
-}  // namespace
-
-EthernetSides ethernetSides(const AsicState& asic, std::uint32_t port) {
-  const auto [tx, rx] = traitsOf(asic, port);
-  const bool otherwise = (asic.config.exgPorts >> port & 1) != 0;
-  return {.tx = tx == nullptr ? otherwise : tx->isEthernet, .rx = rx == nullptr ? otherwise : rx->isEthernet};
+// Every drive level and pre-emphasis shows as an FFE of its own.
+std::optional<TxRawValues> ethernetCacheFor(const LiveTx& live, TxRawValues cache, const SerDesSide& side) {
+  for (cache.power = 0; cache.power <= simulator::kMaxDriveLevel; ++cache.power) {
+    for (cache.p[0] = 0; cache.p[0] <= simulator::kMaxDriveLevel; ++cache.p[0]) {
+      if (gives(cache, live, side)) return cache;
+    }
+  }
+  return std::nullopt;
 }
+
+}  // namespace
 
 bool isRate(const std::string& name) {
   return std::any_of(rateNames.begin() + 1, rateNames.end(), [&](const ValueName& rate) { return name == rate.name; });
@@ -109,12 +129,12 @@ std::string rateInForce(const PortState& port, const std::string& configRate, co
   return isRate(now) && !mayStop ? now : "";
 }
 
-void putIntoForce(PortState& port, const std::string& rate, EthernetSides ethernet) {
+void putIntoForce(PortState& port, const std::string& rate, const SerDesSides& sides) {
   if (const auto cache = port.txCaches.find(rate); cache != port.txCaches.end()) {
-    applyToAll(cache->second, port.tx, ethernet.tx);
+    applyToAll(cache->second, port.tx, sides.tx);
   }
   if (const auto cache = port.rxCaches.find(rate); cache != port.rxCaches.end()) {
-    applyToAll(cache->second, port.rx, ethernet.rx);
+    applyToAll(cache->second, port.rx, sides.rx);
   }
 }
 
@@ -123,27 +143,23 @@ std::optional<std::int32_t> valueOf(std::span<const ValueName> names, const std:
   return found == names.end() ? std::nullopt : std::optional(static_cast<std::int32_t>(found - names.begin()));
 }
 
-std::optional<TxRawValues> cacheFor(const LiveTx& live, const TxRawValues& otherwise, bool ethernet) {
+std::optional<TxRawValues> cacheFor(const LiveTx& live, const TxRawValues& otherwise, const SerDesSide& side) {
   if (!saysAll<FfeValues>(live)) return std::nullopt;
-  TxRawValues cache = otherwise;
-  if (ethernet) {
-    cache.power = *live.k / kStepOfK;
-    cache.p[0] = -*live.c2 / kStepOfPreEmphasis;
-  } else {
-    const auto mode = valueOf(ffeModeNames, live.ffeMode);
-    if (!mode) return std::nullopt;
-    cache.power = *live.k;
-    cache.mode = *mode;
-    cache.p = {*live.c0, *live.c1, *live.c2, *live.c3};
-    cache.slew = slewNumber(live).value_or(cache.slew);
-  }
-  return gives(cache, live, ethernet) ? std::optional(cache) : std::nullopt;
+  if (side.isEthernet) return ethernetCacheFor(live, otherwise, side);
+  const auto mode = valueOf(ffeModeNames, live.ffeMode);
+  if (!mode) return std::nullopt;
+  const TxRawValues cache = {.power = *live.k,
+                             .slew = slewNumber(live).value_or(otherwise.slew),
+                             .mode = *mode,
+                             .p = {*live.c0, *live.c1, *live.c2, *live.c3}};
+  return gives(cache, live, side) ? std::optional(cache) : std::nullopt;
 }
 
-std::optional<RxRawValues> cacheFor(const LiveRx& live, const RxRawValues& otherwise, bool ethernet) {
-  if (!ethernet || !live.peak || !fits(*live.peak, 0, kMostEqMode)) return std::nullopt;
+std::optional<RxRawValues> cacheFor(const LiveRx& live, const RxRawValues& otherwise, const SerDesSide& side) {
+  if (!side.isEthernet || !live.peak || !fits(*live.peak, 0, simulator::kMaxPeak)) return std::nullopt;
   RxRawValues cache = otherwise;
-  if (!fits(cache.mode, 0, kMostCdrMode)) cache.mode = 0;  // or neither would be taken; what is in use is not shown
+  if (!fits(cache.mode, 0, simulator::kMaxCdrMode))
+    cache.mode = 0;  // or neither would be taken; what is in use is not shown
   cache.p[0] = *live.peak;
   return cache;
 }

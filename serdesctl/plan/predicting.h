@@ -8,16 +8,10 @@
 #include <string>
 
 #include "display/name_tables.h"
+#include "serdesctl/plan/serdes_limits.h"
 #include "serdesctl/state/switch_state.h"
 
 namespace serdesctl {
-
-// Which sides of a port are ethernet ones: their live settings cannot be set, and follow from caches alone.
-struct EthernetSides {
-  bool tx = false;
-  bool rx = false;
-};
-EthernetSides ethernetSides(const AsicState& asic, std::uint32_t port);
 
 // Whether the tool can set it for a port: a rate with caches, not AUTO and not what it prints for others.
 bool isRate(const std::string& name);
@@ -27,14 +21,15 @@ bool isRate(const std::string& name);
 // there may find no rate again.
 std::string rateInForce(const PortState& port, const std::string& configRate, const PortState& wanted);
 
-// A rate's caches become the live settings of all links. Numbers that no SerDes takes leave them as they are.
-void putIntoForce(PortState& port, const std::string& rate, EthernetSides ethernet);
+// A rate's caches become the live settings of all links. What the SerDes does not take leaves them as they are; of a
+// type that is not known, what no type takes.
+void putIntoForce(PortState& port, const std::string& rate, const SerDesSides& sides);
 
 // The number of a name; nothing for another one.
 std::optional<std::int32_t> valueOf(std::span<const ValueName> names, const std::optional<std::string>& name);
 
 // The cache that gives these live settings when it is put into force, the rest as it is; nothing where none does.
-std::optional<TxRawValues> cacheFor(const LiveTx& live, const TxRawValues& otherwise, bool ethernet);
-std::optional<RxRawValues> cacheFor(const LiveRx& live, const RxRawValues& otherwise, bool ethernet);
+std::optional<TxRawValues> cacheFor(const LiveTx& live, const TxRawValues& otherwise, const SerDesSide& side);
+std::optional<RxRawValues> cacheFor(const LiveRx& live, const RxRawValues& otherwise, const SerDesSide& side);
 
 }  // namespace serdesctl

@@ -57,17 +57,19 @@ FfeValues nearestOf(const SerDesTraits& traits, FfeValues ffe) {
 
 }  // namespace
 
-SideTraits traitsOf(const AsicState& asic, std::uint32_t port) {
-  const auto ofCore = [&](std::uint32_t core) -> const SerDesTraits* {
+SerDesSides serDesSides(const AsicState& asic, std::uint32_t port) {
+  const bool isEthernetPort = (asic.config.exgPorts >> port & 1) != 0;
+  const auto ofCore = [&](std::uint32_t core) -> SerDesSide {
     const auto found =
         std::find_if(asic.cores.begin(), asic.cores.end(), [&](const FoundCore& c) { return c.core == core; });
-    const bool known = found != asic.cores.end() && found->serDesType < simulator::kSerDesTypes;
-    return known ? &simulator::serDesTraits(found->serDesType) : nullptr;
+    if (found == asic.cores.end() || found->serDesType >= simulator::kSerDesTypes) return {nullptr, isEthernetPort};
+    const SerDesTraits& traits = simulator::serDesTraits(found->serDesType);
+    return {&traits, traits.isEthernet};
   };
   for (const ConfigPort& config : asic.config.ports) {
     if (config.port == port) return {.tx = ofCore(config.tx.core), .rx = ofCore(config.rx.core)};
   }
-  return {};
+  return {{nullptr, isEthernetPort}, {nullptr, isEthernetPort}};
 }
 
 std::optional<SerDesRefusal<FfeValues>> refusalOf(const SerDesTraits& traits, const FfeValues& ffe) {

@@ -11,12 +11,17 @@
 
 namespace serdesctl {
 
-// Of a port's two sides; null for a type that is not known.
-struct SideTraits {
-  const simulator::SerDesTraits* tx = nullptr;
-  const simulator::SerDesTraits* rx = nullptr;
+// What is known of one side of a port. Of an ethernet side the live settings cannot be set: they follow from caches
+// alone.
+struct SerDesSide {
+  const simulator::SerDesTraits* traits = nullptr;  // null: the type is not known
+  bool isEthernet = false;
 };
-SideTraits traitsOf(const AsicState& asic, std::uint32_t port);
+struct SerDesSides {
+  SerDesSide tx;
+  SerDesSide rx;
+};
+SerDesSides serDesSides(const AsicState& asic, std::uint32_t port);
 
 // Why settings are not taken, and the nearest that are, if there are any.
 template <typename Part>

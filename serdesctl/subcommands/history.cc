@@ -93,7 +93,8 @@ void confirm(FoundRun run) {
     run = run.again();
   }
   if (run.record.state == RunState::kDone || run.record.state == RunState::kDiffers) return;
-  throw UsageError("too late: run " + run.record.run + " is rolled back: " + ending(run));
+  throw UsageError("too late: run " + run.record.run +
+                   (run.record.state == RunState::kRunning ? " is being rolled back" : " has ended: " + ending(run)));
 }
 
 void keep(FoundRun run) {

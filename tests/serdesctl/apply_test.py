@@ -400,6 +400,17 @@ class GuardAndConfirmation(ChangingTest):
         process.communicate(timeout=LIMIT_SECONDS)
         self.assertEqual(process.returncode, 1)
 
+    def test_confirmed_while_it_is_killed(self) -> None:
+        process, run = self.waiting("60")
+        process.send_signal(signal.SIGSTOP)
+        confirming = self.start("confirm", run)
+        self.wait_until(lambda: any(self.folder.glob("**/confirmed")), "it does not confirm")
+        process.kill()
+        process.wait()
+        _, err = confirming.communicate(timeout=LIMIT_SECONDS)
+        self.assertEqual(confirming.returncode, 2, err)
+        self.assertIn(f"too late: run {run} has ended: interrupted", err)
+
     def test_killed_it_counts_as_not_confirmed(self) -> None:
         save = self.save()
         process, run = self.waiting("60")

@@ -13,6 +13,8 @@
 #include "serdesctl/base/command_words.h"
 #include "serdesctl/plan/places.h"
 #include "serdesctl/rehearsal/rehearsal.h"
+#include "simulator/error_codes.h"
+#include "simulator/serdes/settings.h"
 
 namespace serdesctl {
 namespace {
@@ -251,14 +253,16 @@ class ModelSwitch {
     port.observed.runningRate = running;
     const TxRawValues& tx = port.txCaches.at(running);
     const RxRawValues& rx = port.rxCaches.at(running);
+    const simulator::SerDesTraits& traits = simulator::serDesTraits(port.port < 8 ? 2 : 3);
     for (LiveTx& link : port.tx)
-      port.port < 10 ? force(tx, link) : forceEthernet(tx, link);
+      port.port < 10 ? force(traits, tx, link) : forceEthernet(tx, link);
     for (LiveRx& link : port.rx)
-      port.port < 10 ? force(rx, link) : static_cast<void>(link.peak = rx.p[0]);
+      port.port < 10 ? force(traits, rx, link) : static_cast<void>(link.peak = rx.p[0]);
   }
 
-  static void force(const TxRawValues& tx, LiveTx& link) {
-    if (tx.p[3] == 0) {
+  static void force(const simulator::SerDesTraits& traits, const TxRawValues& tx, LiveTx& link) {
+    simulator::RegisterFile registers{};
+    if (setFfe(traits, registers, {static_cast<std::uint32_t>(tx.mode), tx.power, tx.p}) == simulator::kOk) {
       static_cast<FfeValues&>(link) = {
           kFfeModes[static_cast<std::size_t>(tx.mode)], tx.power, tx.p[0], tx.p[1], tx.p[2], tx.p[3]};
     }
@@ -268,8 +272,10 @@ class ModelSwitch {
     static_cast<FfeValues&>(link) = {
         tx.p[0] == 0 ? "FFENone" : "FFE2", 17 * tx.power, 0, 63 - 2 * tx.p[0], -2 * tx.p[0], 0};
   }
-  static void force(const RxRawValues& rx, LiveRx& link) {
-    link.dfeMode = kDfeModes[static_cast<std::size_t>(rx.mode)];
+  static void force(const simulator::SerDesTraits& traits, const RxRawValues& rx, LiveRx& link) {
+    simulator::RegisterFile registers{};
+    if (setDfe(traits, registers, static_cast<std::uint32_t>(rx.mode)) == simulator::kOk)
+      link.dfeMode = kDfeModes[static_cast<std::size_t>(rx.mode)];
     static_cast<VgaValues&>(link) = {rx.p[0], rx.p[1], rx.p[2]};
   }
 

@@ -91,9 +91,14 @@ TEST(SerDesLimits, AreUnknownForOtherTypes) {
   const ConfigSide known = {.links = 1, .serDesType = "A", .core = 3},
                    other = {.links = 1, .serDesType = "B", .core = 4};
   asic.config.ports = {{.port = 0, .rx = other, .tx = known, .userPort = std::nullopt}};
-  EXPECT_EQ(traitsOf(asic, 0).tx, &serDesTraits(2));
-  EXPECT_EQ(traitsOf(asic, 0).rx, nullptr);
-  EXPECT_EQ(traitsOf(asic, 1).tx, nullptr);
+  EXPECT_EQ(serDesSides(asic, 0).tx.traits, &serDesTraits(2));
+  EXPECT_EQ(serDesSides(asic, 0).rx.traits, nullptr);
+  EXPECT_EQ(serDesSides(asic, 1).tx.traits, nullptr);
+  asic.config.exgPorts = 0b101;  // what they are then follows from the port
+  EXPECT_FALSE(serDesSides(asic, 0).tx.isEthernet);
+  EXPECT_TRUE(serDesSides(asic, 0).rx.isEthernet);
+  EXPECT_FALSE(serDesSides(asic, 1).rx.isEthernet);
+  EXPECT_TRUE(serDesSides(asic, 2).rx.isEthernet);
 }
 
 }  // namespace

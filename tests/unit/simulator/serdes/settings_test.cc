@@ -78,6 +78,17 @@ TEST(Slew, IsReadBackAsItWasSetAndEndsAt100Picoseconds) {
   EXPECT_EQ(slewOf(k11G, registers), SLEW_100PS);
 }
 
+TEST(Slew, EveryRateHasItsEdge) {
+  RegisterFile registers = k11G.tx.resetValues();
+  std::uint32_t rate = SLEW_24PS;
+  for (const double ps : {24, 30, 36, 50, 60, 75, 100}) {
+    EXPECT_EQ(setSlew(k11G, registers, true, rate++), kOk);
+    EXPECT_EQ(transmitterOf(k11G, registers).slewPs, ps);
+  }
+  EXPECT_EQ(setSlew(k11G, registers, false, SLEW_100PS), kOk);
+  EXPECT_EQ(transmitterOf(k11G, registers).slewPs, 24);
+}
+
 TEST(Slew, WithoutControlTheEdgeIsTheDriversOwn) {
   RegisterFile registers = k11G.tx.resetValues();
   EXPECT_EQ(setSlew(k11G, registers, false, SLEW_75PS), kOk);

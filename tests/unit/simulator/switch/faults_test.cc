@@ -25,6 +25,12 @@ TEST(RandomNumbers, AreThoseOfTheDocumentedGenerator) {
   EXPECT_EQ(random.next(), 2647435461U);
 }
 
+TEST(RandomNumbers, WithoutASeedAreThoseOfOne) {
+  EXPECT_EQ(RandomNumbers(0).state(), 1U);
+  EXPECT_EQ(RandomNumbers(1).state(), 1U);
+  EXPECT_EQ(RandomNumbers(2).state(), 2U);
+}
+
 TEST(RandomNumbers, AreSpreadOverTheWholeRange) {
   RandomNumbers random(42);
   std::array<int, 10> seen{};
