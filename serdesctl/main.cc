@@ -8,7 +8,7 @@
 
 #include "serdesctl/base/errors.h"
 #include "serdesctl/base/output.h"
-#include "serdesctl/options.h"
+#include "serdesctl/command_line.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "serdesctl/options.cc"  // its rows, whose subcommands are taken out below
+#include "serdesctl/command_line.cc"  // its rows, whose subcommands are taken out below
 
 namespace {
 

@@ -3,10 +3,10 @@
 
 #include <string>
 
-#include "serdesctl/options.h"
 #include "serdesctl/session/conversation.h"
 #include "serdesctl/state/state_json.h"
 #include "serdesctl/store/run_store.h"
+#include "serdesctl/subcommands/options.h"
 #include "serdesctl/subcommands/subcommands.h"
 #include "serdesctl/subcommands/wishes.h"
 

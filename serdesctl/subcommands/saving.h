@@ -4,9 +4,9 @@
 #include <functional>
 #include <string>
 
-#include "serdesctl/options.h"
 #include "serdesctl/state/capture.h"
 #include "serdesctl/state/state_json.h"
+#include "serdesctl/subcommands/options.h"
 
 namespace serdesctl {
 

@@ -1,8 +1,8 @@
 // What the subcommands do. Each is thin: it puts together what stands below and prints.
 #pragma once
 
-#include "serdesctl/options.h"
 #include "serdesctl/session/conversation.h"
+#include "serdesctl/subcommands/options.h"
 
 namespace serdesctl {
 

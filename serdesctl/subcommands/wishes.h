@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "serdesctl/options.h"
 #include "serdesctl/plan/plan.h"
+#include "serdesctl/subcommands/options.h"
 
 namespace serdesctl {
 

@@ -1,17 +1,12 @@
-// The command line: a row per subcommand, from which parsing, help, manual and completion are made.
+// What the command line asks of each subcommand.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "serdesctl/target/target.h"
-
-namespace CLI {
-class App;
-}
 
 namespace serdesctl {
 
@@ -137,17 +132,5 @@ struct Options {
   ChangeOptions change;
   HistoryOptions history;
 };
-
-// A subcommand: its word, what --help says about it, its own options, and what it does. `perform` gives the exit
-// status.
-struct Subcommand {
-  const char* name;
-  const char* description;
-  void (*addOptions)(CLI::App& app, Options& options);
-  int (*perform)(const Options& options);
-};
-
-// Parses the command line and runs the subcommand it names. Throws UsageError.
-int runCommandLine(int argc, char* argv[]);
 
 }  // namespace serdesctl

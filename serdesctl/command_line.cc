@@ -1,5 +1,5 @@
 // The command line, by CLI11.
-#include "serdesctl/options.h"
+#include "serdesctl/command_line.h"
 
 #include <algorithm>
 #include <array>
