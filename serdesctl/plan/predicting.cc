@@ -2,7 +2,6 @@
 #include "serdesctl/plan/predicting.h"
 
 #include <algorithm>
-#include <array>
 #include <span>
 
 #include "serdesctl/state/saying.h"

@@ -21,8 +21,8 @@ bool isRate(const std::string& name);
 // there may find no rate again.
 std::string rateInForce(const PortState& port, const std::string& configRate, const PortState& wanted);
 
-// A rate's caches become the live settings of all links. What the SerDes does not take leaves them as they are; of a
-// type that is not known, what no type takes.
+// A rate's caches become the live settings of all links. What the SerDes does not take leaves them as they are; where
+// its type is not known, what has no name or more than 8 bits.
 void putIntoForce(PortState& port, const std::string& rate, const SerDesSides& sides);
 
 // The number of a name; nothing for another one.

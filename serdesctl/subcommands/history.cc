@@ -93,6 +93,10 @@ void confirm(FoundRun run) {
     run = run.again();
   }
   if (run.record.state == RunState::kDone || run.record.state == RunState::kDiffers) return;
+  if (run.isLeft()) {
+    throw UsageError("run " + run.record.run + " ended meanwhile: " + ending(run) +
+                     "; confirm it again to keep it, or undo");
+  }
   throw UsageError("too late: run " + run.record.run +
                    (run.record.state == RunState::kRunning ? " is being rolled back" : " has ended: " + ending(run)));
 }

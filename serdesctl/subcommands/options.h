@@ -1,4 +1,4 @@
-// What the command line asks of each subcommand.
+// What the command line says, for each subcommand.
 #pragma once
 
 #include <cstdint>

@@ -409,7 +409,7 @@ class GuardAndConfirmation(ChangingTest):
         process.wait()
         _, err = confirming.communicate(timeout=LIMIT_SECONDS)
         self.assertEqual(confirming.returncode, 2, err)
-        self.assertIn(f"too late: run {run} has ended: interrupted", err)
+        self.assertIn(f"run {run} ended meanwhile: interrupted; confirm it again to keep it, or undo", err)
 
     def test_killed_it_counts_as_not_confirmed(self) -> None:
         save = self.save()
