@@ -44,10 +44,6 @@ FfeSettings ffeIn(const TxRawValues& cache) {
   return {static_cast<std::uint32_t>(cache.mode), cache.power, cache.p};
 }
 
-VgaSettings vgaIn(const RxRawValues& cache) {
-  return {cache.p[0], cache.p[1], cache.p[2]};
-}
-
 FfeValues shown(const FfeSettings& ffe) {
   return {ffeModeNames[ffe.mode].name, ffe.k, ffe.c[0], ffe.c[1], ffe.c[2], ffe.c[3]};
 }
@@ -83,7 +79,7 @@ void apply(const RxRawValues& cache, LiveRx& live, const SerDesSide& side) {
   const bool takesDfe = side.traits != nullptr ? setDfe(*side.traits, registers, mode) == simulator::kOk
                                                : isNumberOf(dfeModeNames, cache.mode);
   if (takesDfe) live.dfeMode = dfeModeNames[mode].name;
-  const VgaSettings vga = vgaIn(cache);
+  const VgaSettings vga = {cache.p[0], cache.p[1], cache.p[2]};
   const bool takesVga = side.traits != nullptr ? setVga(*side.traits, registers, vga) == simulator::kOk
                                                : areBytes(std::span(cache.p).first(3));
   if (takesVga) static_cast<VgaValues&>(live) = {vga.pole, vga.peak, vga.amax};
@@ -157,8 +153,8 @@ std::optional<TxRawValues> cacheFor(const LiveTx& live, const TxRawValues& other
 std::optional<RxRawValues> cacheFor(const LiveRx& live, const RxRawValues& otherwise, const SerDesSide& side) {
   if (!side.isEthernet || !live.peak || !fits(*live.peak, 0, simulator::kMaxPeak)) return std::nullopt;
   RxRawValues cache = otherwise;
-  if (!fits(cache.mode, 0, simulator::kMaxCdrMode))
-    cache.mode = 0;  // or neither would be taken; what is in use is not shown
+  // What is in use is not shown; with a mode that is none the peak would not be taken either.
+  if (!fits(cache.mode, 0, simulator::kMaxCdrMode)) cache.mode = 0;
   cache.p[0] = *live.peak;
   return cache;
 }

@@ -58,18 +58,18 @@ FfeValues nearestOf(const SerDesTraits& traits, FfeValues ffe) {
 }  // namespace
 
 SerDesSides serDesSides(const AsicState& asic, std::uint32_t port) {
-  const bool isEthernetPort = (asic.config.exgPorts >> port & 1) != 0;
+  const SerDesSide unknown = {.traits = nullptr, .isEthernet = (asic.config.exgPorts >> port & 1) != 0};
   const auto ofCore = [&](std::uint32_t core) -> SerDesSide {
     const auto found =
         std::find_if(asic.cores.begin(), asic.cores.end(), [&](const FoundCore& c) { return c.core == core; });
-    if (found == asic.cores.end() || found->serDesType >= simulator::kSerDesTypes) return {nullptr, isEthernetPort};
+    if (found == asic.cores.end() || found->serDesType >= simulator::kSerDesTypes) return unknown;
     const SerDesTraits& traits = simulator::serDesTraits(found->serDesType);
     return {&traits, traits.isEthernet};
   };
   for (const ConfigPort& config : asic.config.ports) {
     if (config.port == port) return {.tx = ofCore(config.tx.core), .rx = ofCore(config.rx.core)};
   }
-  return {{nullptr, isEthernetPort}, {nullptr, isEthernetPort}};
+  return {.tx = unknown, .rx = unknown};
 }
 
 std::optional<SerDesRefusal<FfeValues>> refusalOf(const SerDesTraits& traits, const FfeValues& ffe) {
